@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+// The first open of the database: reads tavello.ini (creating it when
+// missing), sets gstrDataPath and gstrDatabaseFile, opens gdbMain and deals
+// with a missing, damaged, foreign or locked file.
+void InitializeLocalDatabase();
+
+// An older data file in place: set it aside, create a blank database and
+// offer to convert the old data.
+void subCheckDBVersionForConversion();
+
+// gbolTransactionLog from GlobalSettingsTable (message when that fails).
+void subReadTransactionLogFlag();
+
+// "SELECT COUNT(*) FROM EmployeeTable" into gintUserCount (0 when unreadable).
+void subRefreshUserCount();
+
+// Unloads the main window (its unload order) and ends the process.
+void unloadMainWindow();
+
+// Local form of a folder in gstr...Path form (UNC or local), for plain files.
+QString localFolder(const QString &folder);

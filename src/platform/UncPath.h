@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+// Paths to the shared database are UNC paths (\\SERVER\SHARE\DIR\), the same
+// on every machine of the site. On Linux a share is a mounted folder: the
+// [Shares] section of tavello.ini beside the program maps "\\SERVER\SHARE" to
+// a local folder, and the mount table supplies cifs/smb3 mounts of
+// //server/share. A local path under no share keeps its local form.
+namespace UncPath {
+
+// The folder of the program (local form). Tests point it at a temporary folder.
+QString programFolder();
+void setProgramFolder(const QString &localFolder);
+
+// The ini beside the program, local form.
+QString iniFile();
+
+bool isUnc(const QString &path);
+
+// Local path for a UNC (or local) path; nothing when the share is unknown.
+std::optional<QString> toLocal(const QString &path);
+
+// UNC form of a local path when it lies under a known share; else unchanged.
+QString toUnc(const QString &localPath);
+
+// Appends the separator the path's form uses ("\" for UNC, "/" otherwise).
+QString withTrailingSeparator(const QString &path);
+
+}  // namespace UncPath
