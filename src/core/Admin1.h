@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 // The first open of the database: reads tavello.ini (creating it when
 // missing), sets gstrDataPath and gstrDatabaseFile, opens gdbMain and deals
 // with a missing, damaged, foreign or locked file.
@@ -17,7 +19,9 @@ void subReadTransactionLogFlag();
 // "SELECT COUNT(*) FROM EmployeeTable" into gintUserCount (0 when unreadable).
 void subRefreshUserCount();
 
-// Unloads the main window (its unload order) and ends the process.
+// Unloads the main window (its unload order) and ends the process. The main
+// window registers what its unload does.
+void setMainWindowUnloader(std::function<void()> unloader);
 void unloadMainWindow();
 
 // Local form of a folder in gstr...Path form (UNC or local), for plain files.
