@@ -1,6 +1,7 @@
 #include "console/frmMain.h"
 #include "console/frmWelcome.h"
 #include "core/Global.h"
+#include "platform/Help.h"
 
 #include <QApplication>
 #include <QStringList>
@@ -8,6 +9,7 @@
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    Help::install();
 
     // The command line has no options: any text turns the run into the one-shot repair.
     QStringList args = QApplication::arguments();

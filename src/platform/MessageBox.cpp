@@ -87,7 +87,11 @@ int box(const QString &text, Buttons buttons, Icon icon, const QString &title)
         const bool busy = QApplication::overrideCursor() != nullptr;
         if (busy)
             QApplication::setOverrideCursor(Qt::ArrowCursor);
-        QMessageBox mb(qtIcon(icon), shownTitle, text, standardButtons(buttons),
+        // The texts break lines with CR or CR LF; the box wants LF.
+        QString display = text;
+        display.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+        display.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+        QMessageBox mb(qtIcon(icon), shownTitle, display, standardButtons(buttons),
                        QApplication::activeWindow());
         answer = answerOf(mb.exec());
         if (busy)

@@ -1,10 +1,13 @@
 // Pattern rules of `like`, the ini reader and writer, and UNC paths.
+#include "platform/Help.h"
 #include "platform/IniFile.h"
 #include "platform/JetLike.h"
 #include "platform/UncPath.h"
 #include "support/TestSupport.h"
 
+#include <QDialog>
 #include <QDir>
+#include <QLineEdit>
 #include <QFile>
 #include <QTest>
 
@@ -75,6 +78,34 @@ private slots:
         QCOMPARE(IniFile::readKey(ini, "S", "K").size(), 199);
         QVERIFY(IniFile::writeKey(ini, "S", "Q", "'quoted'"));
         QCOMPARE(IniFile::readKey(ini, "S", "Q"), QString("quoted"));
+    }
+
+    void f1ShowsThePageOfTheWindowInFront_data()
+    {
+        QTest::addColumn<QString>("windowName");
+        QTest::addColumn<QString>("page");
+        QTest::newRow("dialog with a page") << "frmRepair" << "frmRepair";
+        QTest::newRow("dialog without one") << "frmNoSuchWindow" << "index";
+    }
+    void f1ShowsThePageOfTheWindowInFront()
+    {
+        QFETCH(QString, windowName);
+        QFETCH(QString, page);
+        Help::install();
+        QDialog dialog;
+        dialog.setObjectName(windowName);
+        auto *field = new QLineEdit(&dialog);
+        dialog.show();
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_F1);
+        QCOMPARE(Help::lastPage(), page);
+        QWidget *help = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (w->objectName() == "HelpWindow" && w->isVisible())
+                help = w;
+        QVERIFY(help);
+        QVERIFY(!help->windowTitle().isEmpty());
+        help->close();
     }
 
     void uncPaths()
