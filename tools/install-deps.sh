@@ -7,6 +7,7 @@ packages=(
   libsqlite3-dev sqlite3
   libgl-dev
   fonts-dejavu-core
+  tango-icon-theme
 )
 missing=()
 for p in "${packages[@]}"; do

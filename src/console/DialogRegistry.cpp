@@ -1,0 +1,119 @@
+#include "console/DialogRegistry.h"
+
+#include "console/about.h"
+#include "console/frmAdminOptions.h"
+#include "core/frmDataPath.h"
+#include "platform/Modal.h"
+#include "store/frmRepair.h"
+
+#include <QDialog>
+#include <QHash>
+#include <memory>
+
+namespace {
+
+struct Registry {
+    QHash<QString, DialogRegistry::Factory> windows;
+    QHash<QString, DialogRegistry::Command> commands;
+};
+
+Registry &registry()
+{
+    static Registry r;
+    return r;
+}
+
+template <class Window>
+QDialog *make(QWidget *parent)
+{
+    auto *w = new Window;
+    if (parent)
+        w->setParent(parent, w->windowFlags() | Qt::Dialog);
+    return w;
+}
+
+}  // namespace
+
+namespace DialogRegistry {
+
+void add(const QString &name, Factory f) { registry().windows.insert(name, std::move(f)); }
+void addCommand(const QString &name, Command c) { registry().commands.insert(name, std::move(c)); }
+
+void remove(const QString &name)
+{
+    registry().windows.remove(name);
+    registry().commands.remove(name);
+}
+
+bool available(const QString &name)
+{
+    return !name.isEmpty() && (registry().windows.contains(name) || registry().commands.contains(name));
+}
+
+QStringList names()
+{
+    QStringList out = registry().windows.keys();
+    out += registry().commands.keys();
+    out.sort();
+    return out;
+}
+
+QDialog *create(const QString &name, QWidget *parent)
+{
+    const auto it = registry().windows.constFind(name);
+    if (it == registry().windows.constEnd())
+        return nullptr;
+    return (*it)(parent);
+}
+
+bool showModal(const QString &name, QWidget *parent)
+{
+    std::unique_ptr<QDialog> dialog(create(name, parent));
+    if (!dialog)
+        return false;
+    Modal::show(dialog.get());
+    return true;
+}
+
+bool run(const QString &name)
+{
+    const auto it = registry().commands.constFind(name);
+    if (it == registry().commands.constEnd())
+        return false;
+    (*it)();
+    return true;
+}
+
+void registerAvailableWindows()
+{
+    add(QStringLiteral("frmRepair"), make<frmRepair>);
+    add(QStringLiteral("frmDataPath"), make<frmDataPath>);
+    add(QStringLiteral("frmAdminOptions"), make<frmAdminOptions>);
+    add(QStringLiteral("about"), make<about>);
+}
+
+QString dialogFor(Verb verb, const QString &kind)
+{
+    // The kinds' short names as the windows are called.
+    static const QHash<QString, QString> stem = {
+        {QStringLiteral("Users"), QStringLiteral("User")},
+        {QStringLiteral("Groups"), QStringLiteral("Group")},
+        {QStringLiteral("Status Types"), QStringLiteral("Status")},
+        {QStringLiteral("DueBack Types"), QStringLiteral("DueBack")},
+        {QStringLiteral("Servers"), QStringLiteral("Server")},
+        {QStringLiteral("Columns"), QStringLiteral("Column")},
+    };
+    switch (verb) {
+    case Verb::Add:
+        return stem.contains(kind) ? QStringLiteral("frmAdd") + stem.value(kind) : QString();
+    case Verb::Modify:
+        return stem.contains(kind) ? QStringLiteral("frmMod") + stem.value(kind) : QString();
+    case Verb::Delete:
+        if (kind == QLatin1String("Messages"))
+            return QStringLiteral("frmDeleteMessages");
+        return stem.contains(kind) ? QStringLiteral("frmDelete") + stem.value(kind) : QString();
+    }
+    return QString();
+}
+
+}  // namespace DialogRegistry
