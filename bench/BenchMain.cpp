@@ -1,0 +1,33 @@
+// tavello-bench <benchmark> [options]
+#include <cstdio>
+#include <cstring>
+
+int runCompactBench(int argc, char **argv);
+int runListUsersBench(int argc, char **argv);
+
+namespace {
+
+struct Benchmark {
+    const char *name;
+    int (*run)(int, char **);
+    const char *usage;
+};
+
+const Benchmark benchmarks[] = {
+    {"compact", runCompactBench, "compact [--quick] [--mb N] [--runs N]"},
+    {"list-users", runListUsersBench, "list-users [--quick] [--users N]"},
+};
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc >= 2)
+        for (const Benchmark &b : benchmarks)
+            if (std::strcmp(argv[1], b.name) == 0)
+                return b.run(argc, argv);
+    std::fprintf(stderr, "usage: tavello-bench <benchmark> [options]\n");
+    for (const Benchmark &b : benchmarks)
+        std::fprintf(stderr, "  %s\n", b.usage);
+    return 2;
+}
