@@ -5,6 +5,10 @@
 #include "core/frmDataPath.h"
 #include "platform/Modal.h"
 #include "store/frmRepair.h"
+#include "users/frmAddUser.h"
+#include "users/frmDeleteUser.h"
+#include "users/frmModUser.h"
+#include "users/frmNewUser.h"
 
 #include <QDialog>
 #include <QHash>
@@ -90,6 +94,10 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDataPath"), make<frmDataPath>);
     add(QStringLiteral("frmAdminOptions"), make<frmAdminOptions>);
     add(QStringLiteral("about"), make<about>);
+    add(QStringLiteral("frmAddUser"), make<frmAddUser>);
+    add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
+    add(QStringLiteral("frmNewUser"), make<frmNewUser>);
+    add(QStringLiteral("frmModUser"), make<frmModUser>);
 }
 
 QString dialogFor(Verb verb, const QString &kind)

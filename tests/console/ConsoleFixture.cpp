@@ -193,6 +193,22 @@ WindowsPresent::~WindowsPresent()
 {
     for (const QString &name : m_names)
         DialogRegistry::remove(name);
+    DialogRegistry::registerAvailableWindows();
+    if (frmMain *w = frmMain::instance())
+        w->refreshAvailability();
+}
+
+WindowsAbsent::WindowsAbsent(const QStringList &names)
+{
+    for (const QString &name : names)
+        DialogRegistry::remove(name);
+    if (frmMain *w = frmMain::instance())
+        w->refreshAvailability();
+}
+
+WindowsAbsent::~WindowsAbsent()
+{
+    DialogRegistry::registerAvailableWindows();
     if (frmMain *w = frmMain::instance())
         w->refreshAvailability();
 }

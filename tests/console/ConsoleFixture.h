@@ -66,7 +66,8 @@ private:
 };
 
 // Windows that later parts of the console bring, present for a test: each is
-// a plain dialog named like the window. Removed again at the end.
+// a plain dialog named like the window. At the end the registry holds the
+// console's real windows again.
 class WindowsPresent {
 public:
     explicit WindowsPresent(const QStringList &names);
@@ -75,6 +76,14 @@ public:
 
 private:
     QStringList m_names;
+};
+
+// Windows taken out of the registry for a test, as if not built yet. The
+// windows the console really has come back at the end.
+class WindowsAbsent {
+public:
+    explicit WindowsAbsent(const QStringList &names);
+    ~WindowsAbsent();
 };
 
 // Records the windows shown modally (by object name) and closes each.

@@ -103,6 +103,7 @@ private slots:
         QFETCH(Flags, verbs);
         Console c(seedRouting);
         WindowsPresent windows(present ? WindowsPresent::verbWindows() : QStringList());
+        WindowsAbsent absent(present ? QStringList() : WindowsPresent::verbWindows());
         if (!change.isEmpty())
             c.other().execute(change);
         c.clickNode(node == "Users" ? "Groups" : "Users");
@@ -379,6 +380,7 @@ private slots:
         QFETCH(QStringList, windows);
         Console c(seedRouting);
         WindowsPresent present_(present ? WindowsPresent::verbWindows() : QStringList());
+        WindowsAbsent absent(present ? QStringList() : WindowsPresent::verbWindows());
         ShownWindows shown;
         c.clickNode(node == "Users" ? "Groups" : "Users");
         c.clickNode(node);
@@ -493,7 +495,8 @@ private slots:
         QTest::newRow("About") << "mnuAbout" << true << "about";
         QTest::newRow("toolbar About") << "About" << true << "about";
         QTest::newRow("toolbar Repair") << "Repair" << true << "frmRepair";
-        for (const char *item : {"mnuGlobalSettings", "mnuImportErrorLog", "mnuNewUserDefaults", "mnuSystemSecurity",
+        QTest::newRow("New User Defaults") << "mnuNewUserDefaults" << true << "frmNewUser";
+        for (const char *item : {"mnuGlobalSettings", "mnuImportErrorLog", "mnuSystemSecurity",
                                  "mnuTransactionLog", "mnuCompamyInfo", "mnuPhotoPath", "mnuForceShutdown",
                                  "mnuAutoCheckforUpdates", "mnuCheckForUpdates"})
             QTest::newRow(item) << item << false << "";
