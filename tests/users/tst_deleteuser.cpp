@@ -125,6 +125,31 @@ private slots:
         QVERIFY(!Hourglass::shown());
     }
 
+    // Rows picked with the mouse as a person does: a click, Ctrl+click adds
+    // one, Shift+click takes the run between.
+    void picksSeveralRowsWithTheMouse()
+    {
+        Console c(seedBoard);
+        c.clickNode("Users");
+        c.clickRow(c.rowOf("Ann"));
+        c.clickRow(c.rowOf("Cleo"), Qt::LeftButton, Qt::ControlModifier);
+        c.clickRow(c.rowOf("Guest"), Qt::LeftButton, Qt::ControlModifier);
+        c.clickRow(c.rowOf("Cleo"), Qt::LeftButton, Qt::ControlModifier);  // and drops one again
+        QStringList shownList;
+        Modal::setHandler([&](QDialog *d) {
+            shownList = listed(d);
+            QTest::mouseClick(control<QPushButton>(d, "cmdButtons_1"), Qt::LeftButton);
+        });
+        c.keyInList(Qt::Key_Delete);
+        QCOMPARE(shownList, (QStringList{"Ann", "Guest"}));
+
+        c.clickRow(c.rowOf("Bob"));
+        c.clickRow(c.rowOf("Dan"), Qt::LeftButton, Qt::ShiftModifier);
+        c.keyInList(Qt::Key_Delete);
+        Modal::setHandler({});
+        QCOMPARE(shownList, (QStringList{"Bob", "Cleo", "Dan"}));
+    }
+
     void nothingSelected()
     {
         Console c(seedBoard);
