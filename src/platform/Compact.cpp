@@ -1,5 +1,6 @@
 #include "platform/Compact.h"
 
+#include "platform/CompactVfs.h"
 #include "platform/Database.h"
 
 #include <QByteArray>
@@ -195,161 +196,6 @@ QString fileNameOf(sqlite3 *db)
 {
     const char *name = sqlite3_db_filename(db, "main");
     return name ? QString::fromUtf8(name) : QString();
-}
-
-// ------------------------------------------------------------ the gate
-
-// The copy of the untouched file runs beside the building of the compact
-// content. A thin layer over SQLite's own file system holds the first
-// write to the database file back until that copy is complete and on disk,
-// so the file is never changed before its backup exists.
-class Gate {
-public:
-    void open(bool copied)
-    {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            m_done = true;
-            m_copied = copied;
-        }
-        m_changed.notify_all();
-    }
-    bool wait()
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_done; });
-        return m_copied;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_done = false;
-    bool m_copied = false;
-};
-
-struct GatedFile {
-    sqlite3_file base;
-    Gate *gate;  // set by the main thread only, while it holds the connection
-};
-constexpr int RealOffset = (int(sizeof(GatedFile)) + 15) / 16 * 16;
-
-sqlite3_vfs *g_realVfs = nullptr;
-
-sqlite3_file *realOf(sqlite3_file *f)
-{
-    return reinterpret_cast<sqlite3_file *>(reinterpret_cast<char *>(f) + RealOffset);
-}
-
-bool passGate(sqlite3_file *f)
-{
-    Gate *gate = reinterpret_cast<GatedFile *>(f)->gate;
-    return !gate || gate->wait();
-}
-
-int gatedClose(sqlite3_file *f) { return realOf(f)->pMethods->xClose(realOf(f)); }
-int gatedRead(sqlite3_file *f, void *buffer, int amount, sqlite3_int64 offset)
-{
-    return realOf(f)->pMethods->xRead(realOf(f), buffer, amount, offset);
-}
-int gatedWrite(sqlite3_file *f, const void *buffer, int amount, sqlite3_int64 offset)
-{
-    if (!passGate(f))
-        return SQLITE_IOERR_WRITE;
-    return realOf(f)->pMethods->xWrite(realOf(f), buffer, amount, offset);
-}
-int gatedTruncate(sqlite3_file *f, sqlite3_int64 size)
-{
-    if (!passGate(f))
-        return SQLITE_IOERR_TRUNCATE;
-    return realOf(f)->pMethods->xTruncate(realOf(f), size);
-}
-int gatedSync(sqlite3_file *f, int flags) { return realOf(f)->pMethods->xSync(realOf(f), flags); }
-int gatedFileSize(sqlite3_file *f, sqlite3_int64 *size) { return realOf(f)->pMethods->xFileSize(realOf(f), size); }
-int gatedLock(sqlite3_file *f, int level) { return realOf(f)->pMethods->xLock(realOf(f), level); }
-int gatedUnlock(sqlite3_file *f, int level) { return realOf(f)->pMethods->xUnlock(realOf(f), level); }
-int gatedCheckReservedLock(sqlite3_file *f, int *out)
-{
-    return realOf(f)->pMethods->xCheckReservedLock(realOf(f), out);
-}
-int gatedFileControl(sqlite3_file *f, int op, void *arg) { return realOf(f)->pMethods->xFileControl(realOf(f), op, arg); }
-int gatedSectorSize(sqlite3_file *f) { return realOf(f)->pMethods->xSectorSize(realOf(f)); }
-int gatedDeviceCharacteristics(sqlite3_file *f) { return realOf(f)->pMethods->xDeviceCharacteristics(realOf(f)); }
-int gatedShmMap(sqlite3_file *f, int page, int size, int extend, void volatile **out)
-{
-    return realOf(f)->pMethods->xShmMap(realOf(f), page, size, extend, out);
-}
-int gatedShmLock(sqlite3_file *f, int offset, int n, int flags)
-{
-    return realOf(f)->pMethods->xShmLock(realOf(f), offset, n, flags);
-}
-void gatedShmBarrier(sqlite3_file *f) { realOf(f)->pMethods->xShmBarrier(realOf(f)); }
-int gatedShmUnmap(sqlite3_file *f, int deleteFlag) { return realOf(f)->pMethods->xShmUnmap(realOf(f), deleteFlag); }
-int gatedFetch(sqlite3_file *f, sqlite3_int64 offset, int amount, void **out)
-{
-    return realOf(f)->pMethods->xFetch(realOf(f), offset, amount, out);
-}
-int gatedUnfetch(sqlite3_file *f, sqlite3_int64 offset, void *p)
-{
-    return realOf(f)->pMethods->xUnfetch(realOf(f), offset, p);
-}
-
-const sqlite3_io_methods GatedMethods = {
-    3,
-    gatedClose,
-    gatedRead,
-    gatedWrite,
-    gatedTruncate,
-    gatedSync,
-    gatedFileSize,
-    gatedLock,
-    gatedUnlock,
-    gatedCheckReservedLock,
-    gatedFileControl,
-    gatedSectorSize,
-    gatedDeviceCharacteristics,
-    gatedShmMap,
-    gatedShmLock,
-    gatedShmBarrier,
-    gatedShmUnmap,
-    gatedFetch,
-    gatedUnfetch,
-};
-
-int gatedOpen(sqlite3_vfs *, sqlite3_filename name, sqlite3_file *f, int flags, int *outFlags)
-{
-    auto *g = reinterpret_cast<GatedFile *>(f);
-    g->base.pMethods = nullptr;
-    g->gate = nullptr;
-    const int rc = g_realVfs->xOpen(g_realVfs, name, realOf(f), flags, outFlags);
-    if (realOf(f)->pMethods)
-        g->base.pMethods = &GatedMethods;  // so that a failed open is still closed through us
-    return rc;
-}
-
-const char *gatedVfsName()
-{
-    static sqlite3_vfs vfs;
-    static std::once_flag registered;
-    std::call_once(registered, [] {
-        g_realVfs = sqlite3_vfs_find(nullptr);
-        vfs = *g_realVfs;
-        vfs.szOsFile = RealOffset + g_realVfs->szOsFile;
-        vfs.zName = "tavello-gated";
-        vfs.pNext = nullptr;
-        vfs.xOpen = gatedOpen;
-        sqlite3_vfs_register(&vfs, 0);
-    });
-    return vfs.zName;
-}
-
-GatedFile *gatedFileOf(sqlite3 *db)
-{
-    sqlite3_file *file = nullptr;
-    if (sqlite3_file_control(db, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file ||
-        file->pMethods != &GatedMethods)
-        return nullptr;
-    return reinterpret_cast<GatedFile *>(file);
 }
 
 // A descriptor that SQLite already has open on the file. Reading through it
@@ -879,7 +725,7 @@ Connection holdFile(const QString &localPath)
     const QString uri = QStringLiteral("file:") + path;
     sqlite3 *raw = nullptr;
     const int rc = sqlite3_open_v2(uri.toUtf8().constData(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI,
-                                   gatedVfsName());
+                                   CompactVfs::name());
     Connection db(raw);
     if (rc != SQLITE_OK)
         failSqlite(raw, raw ? sqlite3_extended_errcode(raw) : rc, false);
@@ -962,21 +808,19 @@ Result compactHeld(Connection held, const QString &backupLocal)
 
     // The copy of the untouched file, beside the building of the new content
     // where the layer allows it, else before it.
-    Gate gate;
+    CompactVfs::Gate gate;
     std::optional<StoreError> copyFailure;
     std::thread copier;
-    GatedFile *gated = nullptr;
     const struct Finish {
         std::thread &copier;
-        GatedFile *&gated;
+        sqlite3 *db;
         ~Finish()
         {
             if (copier.joinable())
                 copier.join();
-            if (gated)
-                gated->gate = nullptr;
+            CompactVfs::setGate(db, nullptr);
         }
-    } finish{copier, gated};
+    } finish{copier, db};
     if (!backupLocal.isEmpty()) {
         const QString source = fileNameOf(db);
         sqlite3_file *file = mainFile(db);
@@ -984,9 +828,7 @@ Result compactHeld(Connection held, const QString &backupLocal)
         if (const int rc = file->pMethods->xFileSize(file, &size); rc != SQLITE_OK)
             failSqlite(db, rc, false);
         const int fd = openDescriptorOf(source);
-        gated = fd >= 0 ? gatedFileOf(db) : nullptr;
-        if (gated) {
-            gated->gate = &gate;
+        if (fd >= 0 && CompactVfs::setGate(db, &gate)) {
             const mode_t mode = modeOf(source);
             copier = std::thread([&gate, &copyFailure, fd, size, mode, backupLocal] {
                 try {

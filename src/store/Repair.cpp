@@ -161,8 +161,18 @@ void subResetActiveFlags(Database &db)
         const qint64 added = db.addRow(table);
         rs = db.openTable(table, QStringLiteral("rowid = ?"), {added});
     }
-    for (; !rs.eof(); rs.moveNext())
-        rs.edit({{field, QStringLiteral("No")}});
+    // The old engine gathered edits made outside a transaction and wrote
+    // them out together; one commit for the whole walk does the same, instead
+    // of a flush to disk for every active user.
+    db.beginTrans();
+    try {
+        for (; !rs.eof(); rs.moveNext())
+            rs.edit({{field, QStringLiteral("No")}});
+        db.commitTrans();
+    } catch (...) {
+        db.rollback();
+        throw;
+    }
     rs.close();
 }
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+struct sqlite3;
+
+// A thin layer over SQLite's own file system, used only by the connection
+// that compacts the board's file.
+//
+// It does two things. It holds the first write to the database file back
+// until a gate opens, so that the file is not changed before the copy of
+// the untouched file is complete and on disk. And it gathers the rollback
+// journal's many small appends into large writes: the journal of a
+// compaction holds every page of the file, three writes a page. The
+// gathered bytes always reach the journal before any write to the database
+// file, so a process killed at any moment leaves a journal that rolls the
+// file back as before.
+namespace CompactVfs {
+
+class Gate {
+public:
+    void open(bool copied);
+    // Waits until the gate opens; true when the copy it waited for is done.
+    bool wait();
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_done = false;
+    bool m_copied = false;
+};
+
+// The name to open a connection with.
+const char *name();
+
+// Puts `gate` (or none) in front of the writes to the main file of `db`.
+// False when `db` was not opened through this layer.
+bool setGate(sqlite3 *db, Gate *gate);
+
+}  // namespace CompactVfs
