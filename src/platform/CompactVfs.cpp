@@ -43,8 +43,8 @@ struct GatedFile {
     const char *name;            // main file: its name as SQLite gave it
     GatedFile *journal;          // main file: its rollback journal while that is open
     GatedFile *owner;            // journal: the main file it belongs to
-    std::vector<char> *pending;  // journal: appends not yet written
-    sqlite3_int64 pendingStart;  // journal: where they go
+    std::vector<char> *pending;  // writes kept back to go out as one
+    sqlite3_int64 pendingStart;  // where they go
 };
 constexpr int RealOffset = (int(sizeof(GatedFile)) + 15) / 16 * 16;
 
@@ -60,7 +60,7 @@ sqlite3_file *realOf(sqlite3_file *f)
 }
 GatedFile *gatedOf(sqlite3_file *f) { return reinterpret_cast<GatedFile *>(f); }
 
-// Writes the gathered appends of a journal (or of nothing) out. SQLite's
+// Writes the kept writes of a file (or of nothing) out. SQLite's
 // own file layer takes less than 128 KiB a write.
 int flushPending(GatedFile *g)
 {
@@ -76,8 +76,31 @@ int flushPending(GatedFile *g)
     g->pending->clear();
     return rc;
 }
-int flushJournalOf(sqlite3_file *f) { return flushPending(gatedOf(f)->journal); }
-int flushOwn(sqlite3_file *f) { return flushPending(gatedOf(f)); }
+// A main file's writes reach it only after its journal's: the old pages
+// are in the journal before the file is changed.
+int flushMain(GatedFile *main)
+{
+    if (const int rc = flushPending(main->journal); rc != SQLITE_OK)
+        return rc;
+    return flushPending(main);
+}
+
+// Keeps a write for later when it follows the ones kept so far; else writes
+// those out first (through `flush`) and starts again with this one.
+template <typename Flush>
+int gather(GatedFile *g, const void *buffer, int amount, sqlite3_int64 offset, Flush flush)
+{
+    std::vector<char> &pending = *g->pending;
+    const bool follows = !pending.empty() && offset == g->pendingStart + sqlite3_int64(pending.size());
+    if (!follows || pending.size() + size_t(amount) > GatherLimit) {
+        if (const int rc = flush(); rc != SQLITE_OK)
+            return rc;
+        g->pendingStart = offset;
+    }
+    const char *bytes = static_cast<const char *>(buffer);
+    pending.insert(pending.end(), bytes, bytes + amount);
+    return SQLITE_OK;
+}
 
 bool passGate(sqlite3_file *f)
 {
@@ -85,49 +108,94 @@ bool passGate(sqlite3_file *f)
     return !gate || gate->wait();
 }
 
-// ---- main files: the journal's bytes go out before any change of the file
+// ---- main files: anything but a write first puts the kept writes out
+
+int mainFlushed(sqlite3_file *f) { return flushMain(gatedOf(f)); }
 
 int mainClose(sqlite3_file *f)
 {
     GatedFile *g = gatedOf(f);
-    flushJournalOf(f);
+    mainFlushed(f);
     {
         const std::lock_guard<std::mutex> lock(g_openMutex);
         g_openMains.erase(std::remove(g_openMains.begin(), g_openMains.end(), g), g_openMains.end());
         if (g->journal)
             g->journal->owner = nullptr;
     }
+    delete g->pending;
+    g->pending = nullptr;
     return realOf(f)->pMethods->xClose(realOf(f));
 }
 int mainWrite(sqlite3_file *f, const void *buffer, int amount, sqlite3_int64 offset)
 {
     if (!passGate(f))
         return SQLITE_IOERR_WRITE;
-    if (const int rc = flushJournalOf(f); rc != SQLITE_OK)
+    return gather(gatedOf(f), buffer, amount, offset, [f] { return mainFlushed(f); });
+}
+int mainRead(sqlite3_file *f, void *buffer, int amount, sqlite3_int64 offset)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
         return rc;
-    return realOf(f)->pMethods->xWrite(realOf(f), buffer, amount, offset);
+    return realOf(f)->pMethods->xRead(realOf(f), buffer, amount, offset);
 }
 int mainTruncate(sqlite3_file *f, sqlite3_int64 size)
 {
     if (!passGate(f))
         return SQLITE_IOERR_TRUNCATE;
-    if (const int rc = flushJournalOf(f); rc != SQLITE_OK)
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xTruncate(realOf(f), size);
 }
 int mainSync(sqlite3_file *f, int flags)
 {
-    if (const int rc = flushJournalOf(f); rc != SQLITE_OK)
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xSync(realOf(f), flags);
 }
+int mainFileSize(sqlite3_file *f, sqlite3_int64 *size)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
+        return rc;
+    return realOf(f)->pMethods->xFileSize(realOf(f), size);
+}
+int mainLock(sqlite3_file *f, int level)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
+        return rc;
+    return realOf(f)->pMethods->xLock(realOf(f), level);
+}
+int mainUnlock(sqlite3_file *f, int level)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
+        return rc;
+    return realOf(f)->pMethods->xUnlock(realOf(f), level);
+}
+int mainFileControl(sqlite3_file *f, int op, void *arg)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
+        return rc;
+    return realOf(f)->pMethods->xFileControl(realOf(f), op, arg);
+}
+int mainFetch(sqlite3_file *f, sqlite3_int64 offset, int amount, void **out)
+{
+    if (const int rc = mainFlushed(f); rc != SQLITE_OK)
+        return rc;
+    return realOf(f)->pMethods->xFetch(realOf(f), offset, amount, out);
+}
 
-// ---- journals: appends gathered, written out before anything else
+// ---- journals: appends gathered; whatever reads or ends the journal
+// first puts out the kept writes of the journal and of its main file
+
+int journalFlushed(sqlite3_file *f)
+{
+    GatedFile *g = gatedOf(f);
+    return g->owner ? flushMain(g->owner) : flushPending(g);
+}
 
 int journalClose(sqlite3_file *f)
 {
     GatedFile *g = gatedOf(f);
-    flushOwn(f);
+    journalFlushed(f);
     {
         const std::lock_guard<std::mutex> lock(g_openMutex);
         if (g->owner)
@@ -139,49 +207,43 @@ int journalClose(sqlite3_file *f)
 }
 int journalWrite(sqlite3_file *f, const void *buffer, int amount, sqlite3_int64 offset)
 {
-    GatedFile *g = gatedOf(f);
-    std::vector<char> &pending = *g->pending;
-    const bool follows = !pending.empty() && offset == g->pendingStart + sqlite3_int64(pending.size());
-    if (!follows || pending.size() + size_t(amount) > GatherLimit) {
-        if (const int rc = flushPending(g); rc != SQLITE_OK)
+    // The header at the start is what makes a journal live or dead: it goes
+    // out at once, after every write kept before it.
+    if (offset == 0) {
+        if (const int rc = journalFlushed(f); rc != SQLITE_OK)
             return rc;
-        // The header at the start is what makes a journal live or dead: it
-        // goes out at once, in its place among the file's other writes.
-        if (offset == 0)
-            return realOf(f)->pMethods->xWrite(realOf(f), buffer, amount, offset);
-        g->pendingStart = offset;
+        return realOf(f)->pMethods->xWrite(realOf(f), buffer, amount, offset);
     }
-    const char *bytes = static_cast<const char *>(buffer);
-    pending.insert(pending.end(), bytes, bytes + amount);
-    return SQLITE_OK;
+    GatedFile *g = gatedOf(f);
+    return gather(g, buffer, amount, offset, [g] { return flushPending(g); });
 }
 int journalRead(sqlite3_file *f, void *buffer, int amount, sqlite3_int64 offset)
 {
-    if (const int rc = flushOwn(f); rc != SQLITE_OK)
+    if (const int rc = journalFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xRead(realOf(f), buffer, amount, offset);
 }
 int journalTruncate(sqlite3_file *f, sqlite3_int64 size)
 {
-    if (const int rc = flushOwn(f); rc != SQLITE_OK)
+    if (const int rc = journalFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xTruncate(realOf(f), size);
 }
 int journalSync(sqlite3_file *f, int flags)
 {
-    if (const int rc = flushOwn(f); rc != SQLITE_OK)
+    if (const int rc = journalFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xSync(realOf(f), flags);
 }
 int journalFileSize(sqlite3_file *f, sqlite3_int64 *size)
 {
-    if (const int rc = flushOwn(f); rc != SQLITE_OK)
+    if (const int rc = journalFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xFileSize(realOf(f), size);
 }
 int journalFileControl(sqlite3_file *f, int op, void *arg)
 {
-    if (const int rc = flushOwn(f); rc != SQLITE_OK)
+    if (const int rc = journalFlushed(f); rc != SQLITE_OK)
         return rc;
     return realOf(f)->pMethods->xFileControl(realOf(f), op, arg);
 }
@@ -235,9 +297,9 @@ const sqlite3_io_methods PlainMethods = {
 };
 
 const sqlite3_io_methods MainMethods = {
-    3, mainClose, plainRead, mainWrite, mainTruncate, mainSync, plainFileSize, plainLock, plainUnlock,
-    plainCheckReservedLock, plainFileControl, plainSectorSize, plainDeviceCharacteristics, plainShmMap,
-    plainShmLock, plainShmBarrier, plainShmUnmap, plainFetch, plainUnfetch,
+    3, mainClose, mainRead, mainWrite, mainTruncate, mainSync, mainFileSize, mainLock, mainUnlock,
+    plainCheckReservedLock, mainFileControl, plainSectorSize, plainDeviceCharacteristics, plainShmMap,
+    plainShmLock, plainShmBarrier, plainShmUnmap, mainFetch, plainUnfetch,
 };
 
 // A journal is never mapped into memory, so reads through xFetch need no flush.
@@ -263,6 +325,8 @@ int gatedOpen(sqlite3_vfs *, sqlite3_filename name, sqlite3_file *f, int flags, 
     // From here a failed open is still closed through us.
     if (rc == SQLITE_OK && (flags & SQLITE_OPEN_MAIN_DB)) {
         g->base.pMethods = &MainMethods;
+        g->pending = new std::vector<char>;
+        g->pending->reserve(GatherLimit);
         const std::lock_guard<std::mutex> lock(g_openMutex);
         g_openMains.push_back(g);
     } else if (rc == SQLITE_OK && (flags & SQLITE_OPEN_MAIN_JOURNAL) && name) {

@@ -10,12 +10,13 @@ struct sqlite3;
 //
 // It does two things. It holds the first write to the database file back
 // until a gate opens, so that the file is not changed before the copy of
-// the untouched file is complete and on disk. And it gathers the rollback
-// journal's many small appends into large writes: the journal of a
-// compaction holds every page of the file, three writes a page. The
-// gathered bytes always reach the journal before any write to the database
-// file, so a process killed at any moment leaves a journal that rolls the
-// file back as before.
+// the untouched file is complete and on disk. And it gathers the many small
+// writes of a compaction (a page at a time to the file, three writes a page
+// to its rollback journal) into large ones. Kept writes go out in an order
+// that keeps the journal's promise: the journal's before the file's, and
+// both before the journal's header is written, truncated or closed. A
+// process killed at any moment thus leaves a journal that rolls the file
+// back as before, or a file that is complete.
 namespace CompactVfs {
 
 class Gate {
