@@ -268,7 +268,8 @@ bool subOneShotRepair(const QString &commandLine)
         Hourglass::set(0);
         try {
             gdbMain = Database::open(path);
-            subWriteTransactionLog(gdbMain, QStringLiteral("REPAIR FAILED. ") + e.text());
+            // Status holds 250 characters; a longer engine text would lose the entry.
+            subWriteTransactionLog(gdbMain, (QStringLiteral("REPAIR FAILED. ") + e.text()).left(250));
         } catch (const StoreError &) {
         }
     }
