@@ -82,7 +82,7 @@ int StatementHook::trace(unsigned type, void *context, void *, void *text)
 {
     if (type == SQLITE_TRACE_STMT && text) {
         const QString sql = QString::fromUtf8(static_cast<const char *>(text));
-        // Statements run by triggers arrive as comments; only the routine's own count.
+        // Statements run by triggers arrive as comments.
         if (!sql.startsWith(QLatin1String("--")))
             static_cast<StatementHook *>(context)->m_hook(sql);
     }

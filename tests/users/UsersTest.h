@@ -21,22 +21,17 @@ T *control(const QWidget *dialog, const QString &name)
     return w;
 }
 
-// What a control shows: a check box "0"/"1", a text box or combo its text,
-// an option group (given as its prefix) the index chosen, "" when none.
+// A check box as "0"/"1", a text box or combo as its text, an option group
+// (by its prefix) as the index chosen. setValue takes the same forms.
 QString shownValue(const QWidget *dialog, const QString &control);
-// Sets a control the same way: an option group takes the index to choose.
 void setValue(QWidget *dialog, const QString &control, const QString &value);
 
-// Every box shown so far as "title|text".
-QStringList boxes();
-
-// Users with their settings rows, as another program would add them.
+QStringList boxes();  // every box shown so far as "title|text"
 void addUsers(Database &db, const QStringList &namesAndIds);  // "Name=ID" each
 long long counter(Database &db);
 
-// Calls `hook(sql)` as each statement starts on the handle of `db`, from
-// inside the store, before the statement runs: the moment another program
-// may act between two steps of a routine. Removed when the object goes.
+// Calls `hook(sql)` as each statement of `db` starts, before it runs: the
+// moment another program may act between two steps.
 class StatementHook {
 public:
     StatementHook(Database &db, std::function<void(const QString &sql)> hook);
