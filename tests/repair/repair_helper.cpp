@@ -1,12 +1,10 @@
 // A second program for the repair tests, run as a real process:
 //
-//   repair_helper compact <folder>            subCompactDatabase on <folder>/tavello.mdb
-//   repair_helper oneshot <folder> <text>     the command-line route
-//   repair_helper create <file>               CreateDatabase
-//   repair_helper writer <file> <ms>          another board program adding rows to
-//                                             EmployeeTable for <ms> milliseconds
+//   repair_helper compact <folder>   subCompactDatabase on <folder>/tavello.mdb
+//   repair_helper create <file>      CreateDatabase
+//   repair_helper writer <file> <ms> another board program adding rows for <ms>
 //
-// The first three are killed at chosen moments by the tests. The writer uses
+// The first two are killed at chosen moments by the tests. The writer uses
 // the bare SQLite library, as the user programs do, and prints
 // "committed <name>" once each row's transaction is on the file.
 #include "core/Global.h"
@@ -21,58 +19,42 @@
 #include <sqlite3.h>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <unistd.h>
 
 namespace {
 
-void printTranscript()
-{
-    for (const Msg::Shown &s : Msg::transcript())
-        std::printf("box %s|%s\n", qPrintable(s.title), qPrintable(QString(s.text).replace(QLatin1Char('\r'), QLatin1Char('~'))));
-}
-
 int writer(const char *file, int milliseconds)
 {
     sqlite3 *db = nullptr;
-    if (sqlite3_open_v2(file, &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
-        std::printf("error open %s\n", sqlite3_errmsg(db));
-        return 2;
-    }
+    sqlite3_stmt *insert = nullptr;
+    sqlite3_open_v2(file, &db, SQLITE_OPEN_READWRITE, nullptr);
     // Long waits are the user programs' way; what still fails is tried again.
     sqlite3_busy_timeout(db, 20000);
-    sqlite3_stmt *insert = nullptr;
-    sqlite3_prepare_v2(db, "INSERT INTO EmployeeTable(Name, Status, UID) VALUES (?1, 'In', ?1)", -1, &insert, nullptr);
-    if (!insert) {
-        std::printf("error prepare %s\n", sqlite3_errmsg(db));
+    if (sqlite3_prepare_v2(db, "INSERT INTO EmployeeTable(Name, Status, UID) VALUES (?1, 'In', ?1)", -1, &insert,
+                           nullptr) != SQLITE_OK) {
+        std::printf("error %s\n", sqlite3_errmsg(db));
         return 2;
     }
     QElapsedTimer clock;
     clock.start();
-    int n = 0;
-    int retries = 0;
-    while (clock.elapsed() < milliseconds) {
+    for (int n = 0; clock.elapsed() < milliseconds;) {
         const std::string name = "Writer " + std::to_string(::getpid()) + " row " + std::to_string(n);
         sqlite3_bind_text(insert, 1, name.c_str(), -1, SQLITE_TRANSIENT);
-        const int rc = sqlite3_step(insert);
+        const int rc = sqlite3_step(insert) & 0xff;
         sqlite3_reset(insert);
         if (rc == SQLITE_DONE) {
             std::printf("committed %s\n", name.c_str());
-            std::fflush(stdout);
             ++n;
-        } else if ((rc & 0xff) == SQLITE_BUSY || (rc & 0xff) == SQLITE_LOCKED) {
-            ++retries;
-        } else {
+        } else if (rc != SQLITE_BUSY && rc != SQLITE_LOCKED) {
             std::printf("error %d %s\n", rc, sqlite3_errmsg(db));
-            std::fflush(stdout);
             return 3;
         }
+        std::fflush(stdout);
         QThread::usleep(3000);  // a busy board: a few hundred changes a second
     }
     sqlite3_finalize(insert);
     sqlite3_close(db);
-    std::printf("writer-end %d %d\n", n, retries);
     return 0;
 }
 
@@ -81,10 +63,8 @@ int writer(const char *file, int milliseconds)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    if (argc < 3) {
-        std::fprintf(stderr, "usage: repair_helper compact|oneshot|create|writer ...\n");
+    if (argc < 3)
         return 1;
-    }
     const std::string mode = argv[1];
     Msg::setScripted(true);
     gstrAppTitle = appTitleFor(gstrReleaseVersion);
@@ -94,21 +74,14 @@ int main(int argc, char **argv)
         std::printf("created %d\n", CreateDatabase(QString::fromLocal8Bit(argv[2])));
         return 0;
     }
-    gstrDataPath = QString::fromLocal8Bit(argv[2]);
-    if (!gstrDataPath.endsWith(QLatin1Char('/')))
-        gstrDataPath += QLatin1Char('/');
+    if (mode != "compact")
+        return 1;
+    gstrDataPath = QString::fromLocal8Bit(argv[2]) + QLatin1Char('/');
     gstrDatabaseFile = gstrDataPath + QStringLiteral("tavello.mdb");
     std::printf("started\n");
     std::fflush(stdout);
-    if (mode == "compact") {
-        subCompactDatabase();
-        std::printf("repair-done %d\n", gbolRepairDone ? 1 : 0);
-    } else if (mode == "oneshot") {
-        std::printf("oneshot %d\n", subOneShotRepair(QString::fromLocal8Bit(argc > 3 ? argv[3] : "")) ? 1 : 0);
-    } else {
-        return 1;
-    }
-    printTranscript();
+    subCompactDatabase();
+    std::printf("repair-done %d\n", gbolRepairDone ? 1 : 0);
     gdbMain.close();
     return 0;
 }
