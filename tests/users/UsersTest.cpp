@@ -1,8 +1,5 @@
 #include "UsersTest.h"
 
-#include "platform/Database.h"
-#include "platform/MessageBox.h"
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -16,77 +13,71 @@ namespace UsersTest {
 QString shownValue(const QWidget *d, const QString &name)
 {
     if (auto *c = d->findChild<QCheckBox *>(name))
-        return c->isChecked() ? QStringLiteral("1") : QStringLiteral("0");
+        return QString::number(c->isChecked());
     if (auto *t = d->findChild<QLineEdit *>(name))
         return t->text();
     if (auto *c = d->findChild<QComboBox *>(name))
         return c->currentText();
-    QString chosen;
-    const auto options = d->findChildren<QRadioButton *>(QRegularExpression(QLatin1Char('^') + name + QStringLiteral("_\\d$")));
+    const auto options = d->findChildren<QRadioButton *>(QRegularExpression('^' + name + "_\\d$"));
     if (options.isEmpty())
         qFatal("control %s missing", qPrintable(name));
+    QString chosen;
     for (QRadioButton *r : options)
         if (r->isChecked())
-            chosen += r->objectName().section(QLatin1Char('_'), -1);
+            chosen += r->objectName().right(1);
     return chosen;
 }
 
 void setValue(QWidget *d, const QString &name, const QString &value)
 {
     if (auto *c = d->findChild<QCheckBox *>(name))
-        c->setChecked(value == QLatin1String("1"));
+        c->setChecked(value == "1");
     else if (auto *c = d->findChild<QComboBox *>(name))
         c->setEditText(value);
     else if (auto *t = d->findChild<QLineEdit *>(name))
         t->setText(value);
     else
-        control<QRadioButton>(d, name + QLatin1Char('_') + value)->setChecked(true);
+        control<QRadioButton>(d, name + '_' + value)->setChecked(true);
 }
 
 QStringList boxes()
 {
     QStringList out;
     for (const Msg::Shown &s : Msg::transcript())
-        out << s.title + QLatin1Char('|') + s.text;
+        out << s.title + '|' + s.text;
     return out;
 }
 
 void addUsers(Database &db, const QStringList &namesAndIds)
 {
     for (const QString &pair : namesAndIds) {
-        const QString name = pair.section(QLatin1Char('='), 0, 0);
-        const QString id = pair.section(QLatin1Char('='), 1);
-        db.execute(QStringLiteral("INSERT INTO EmployeeTable (Name, UID) VALUES (?, ?)"), {name, id});
-        db.execute(QStringLiteral("INSERT INTO EmployeeSettingsTable (Name) VALUES (?)"), {name});
+        const QString name = pair.section('=', 0, 0);
+        db.execute("INSERT INTO EmployeeTable (Name, UID) VALUES (?, ?)", {name, pair.section('=', 1)});
+        db.execute("INSERT INTO EmployeeSettingsTable (Name) VALUES (?)", {name});
     }
 }
 
 long long counter(Database &db)
 {
-    return db.scalar(QStringLiteral("SELECT Counter FROM StatusCounterTable")).toLongLong();
+    return db.scalar("SELECT Counter FROM StatusCounterTable").toLongLong();
 }
 
-StatementHook::StatementHook(Database &db, std::function<void(const QString &)> hook)
-    : m_db(db), m_hook(std::move(hook))
+std::shared_ptr<void> onEachStatement(Database &db, std::function<void(const QString &)> hook)
 {
-    sqlite3_trace_v2(m_db.handle(), SQLITE_TRACE_STMT, &StatementHook::trace, this);
-}
-
-StatementHook::~StatementHook()
-{
-    if (sqlite3 *h = m_db.handle())
-        sqlite3_trace_v2(h, 0, nullptr, nullptr);
-}
-
-int StatementHook::trace(unsigned type, void *context, void *, void *text)
-{
-    if (type == SQLITE_TRACE_STMT && text) {
+    using Hook = std::function<void(const QString &)>;
+    auto trace = [](unsigned, void *context, void *, void *text) {
         const QString sql = QString::fromUtf8(static_cast<const char *>(text));
-        // Statements run by triggers arrive as comments.
-        if (!sql.startsWith(QLatin1String("--")))
-            static_cast<StatementHook *>(context)->m_hook(sql);
-    }
-    return 0;
+        if (!sql.startsWith("--"))  // statements run by triggers arrive as comments
+            (*static_cast<Hook *>(context))(sql);
+        return 0;
+    };
+    auto *h = new Hook(std::move(hook));
+    sqlite3_trace_v2(db.handle(), SQLITE_TRACE_STMT, trace, h);
+    return std::shared_ptr<void>(h, [&db](void *p) {
+        if (sqlite3 *handle = db.handle())
+            sqlite3_trace_v2(handle, 0, nullptr, nullptr);
+        delete static_cast<Hook *>(p);
+    });
 }
 
 }  // namespace UsersTest

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "console/ConsoleFixture.h"
+#include "core/Global.h"
+#include "platform/Database.h"
+#include "platform/MessageBox.h"
 
-#include <QString>
-#include <QStringList>
+#include <QTest>
 #include <QWidget>
 #include <functional>
-
-class Database;
+#include <memory>
 
 namespace UsersTest {
 
@@ -30,17 +31,8 @@ QStringList boxes();  // every box shown so far as "title|text"
 void addUsers(Database &db, const QStringList &namesAndIds);  // "Name=ID" each
 long long counter(Database &db);
 
-// Calls `hook(sql)` as each statement of `db` starts, before it runs: the
-// moment another program may act between two steps.
-class StatementHook {
-public:
-    StatementHook(Database &db, std::function<void(const QString &sql)> hook);
-    ~StatementHook();
-
-private:
-    static int trace(unsigned type, void *context, void *statement, void *text);
-    Database &m_db;
-    std::function<void(const QString &)> m_hook;
-};
+// Calls `hook(sql)` as each statement of `db` starts, before it runs (the
+// moment another program may act between two steps), until the result goes.
+std::shared_ptr<void> onEachStatement(Database &db, std::function<void(const QString &sql)> hook);
 
 }  // namespace UsersTest

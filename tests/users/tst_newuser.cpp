@@ -2,13 +2,10 @@
 // text, the factory Reset, and Cancel writing nothing.
 #include "UsersTest.h"
 
-#include "core/Global.h"
-#include "platform/Database.h"
-#include "platform/MessageBox.h"
 #include "users/frmNewUser.h"
 
 #include <QComboBox>
-#include <QTest>
+#include <QRegularExpression>
 
 using namespace ConsoleTest;
 using namespace UsersTest;
@@ -25,41 +22,35 @@ QMap<QString, QString> templateRow(Database &db)
     return out;
 }
 
-// Control, column and the factory value Reset puts in the control.
-struct Setting {
-    const char *control, *column, *factory;
-};
-const Setting Settings[] = {
-    {"chkAutoClearComments", "AutoClearComments", "0"}, {"chkAutoLogIn", "AutoLogIn", "1"},
-    {"chkAutoLogOut", "AutoLogOut", "1"}, {"chkAutoMinimize", "AutoMinimize", "0"},
-    {"ComboRefreshRate", "RefreshRate", "5"}, {"optMinimizeSetting", "MinimizeSetting", "0"},
-    {"chkMinimizeOnClose", "MinimizeOnClose", "0"}, {"chkDisplayTreeView", "DisplayTreeView", "1"},
-    {"chkListViewPopUp", "ListViewPopUp", "1"}, {"chkChangeScreenPopUp", "ChangeScreenPopUp", "0"},
-    {"ComboDefaultGroup", "DefaultGroup", "Everyone"}, {"optSortKey", "SortKey", "2"},
-    {"optSortOrder", "SortOrder", "0"}, {"comboFontSizeDisplay", "FontSizeDisplay", "8"},
-    {"chkFontBoldDisplay", "FontBoldDisplay", "0"}, {"txtScreenTop", "ScreenTop", "600"},
-    {"txtScreenLeft", "ScreenLeft", "600"}, {"txtScreenWidth", "ScreenWidth", "10710"},
-    {"txtScreenHeight", "ScreenHeight", "7005"}, {"txtStatusColumnWidth", "StatusColumnWidth", "2000"},
-    {"txtNameColumnWidth", "NameColumnWidth", "1400"}, {"txtPhoneColumnWidth", "PhoneColumnWidth", "1100"},
-    {"txtDueBackColumnWidth", "DueBackColumnWidth", "1300"}, {"txtCommentsColumnWidth", "CommentsColumnWidth", "1300"},
-    {"txtLastModifiedColumnWidth", "LastModifiedColumnWidth", "4000"},
-    {"optUserSecurityLevel", "UserSecurityLevel", "0"}, {"optIconSize", "IconSize", "0"},
-    {"optToolBarText", "ToolBarText", "1"},
-};
+// A control is named after its column ("control" or "control=value").
+QString column(const QString &control)
+{
+    return control.section('=', 0, 0).remove(QRegularExpression("^(chk|txt|opt|[Cc]ombo)"));
+}
+
+// Each control with the factory value Reset puts in it.
+const QStringList Factory = QString(
+    "chkAutoClearComments=0 chkAutoLogIn=1 chkAutoLogOut=1 chkAutoMinimize=0 ComboRefreshRate=5 optMinimizeSetting=0 "
+    "chkMinimizeOnClose=0 chkDisplayTreeView=1 chkListViewPopUp=1 chkChangeScreenPopUp=0 ComboDefaultGroup=Everyone "
+    "optSortKey=2 optSortOrder=0 comboFontSizeDisplay=8 chkFontBoldDisplay=0 txtScreenTop=600 txtScreenLeft=600 "
+    "txtScreenWidth=10710 txtScreenHeight=7005 txtStatusColumnWidth=2000 txtNameColumnWidth=1400 "
+    "txtPhoneColumnWidth=1100 txtDueBackColumnWidth=1300 txtCommentsColumnWidth=1300 txtLastModifiedColumnWidth=4000 "
+    "optUserSecurityLevel=0 optIconSize=0 optToolBarText=1").split(' ');
 
 // A template far from every factory value, so that a setting not loaded or
 // not saved shows.
 void customTemplate(Database &db)
 {
-    db.execute("INSERT INTO GroupTable (GroupName) VALUES ('Sales'), ('Support')");
+    db.execute("INSERT INTO GroupTable (GroupName) VALUES (?), (?)", {"Sales", "Support"});
     db.execute("UPDATE NewUserDefaultsTable SET AutoClearComments = 1, AutoLogIn = 0, AutoLogOut = 0, "
                "AutoMinimize = 1, RefreshRate = 10, MinimizeSetting = 2, MinimizeOnClose = 1, DisplayTreeView = 0, "
-               "ListViewPopUp = 0, ChangeScreenPopUp = 1, DefaultGroup = 'Support', SortKey = 6, SortOrder = 1, "
+               "ListViewPopUp = 0, ChangeScreenPopUp = 1, DefaultGroup = ?, SortKey = 6, SortOrder = 1, "
                "FontSizeDisplay = 13, FontBoldDisplay = 1, ScreenTop = -1200, ScreenLeft = 333, ScreenWidth = 9001, "
                "ScreenHeight = 7002, StatusColumnWidth = 2101, NameColumnWidth = 1402, PhoneColumnWidth = 1103, "
                "DueBackColumnWidth = 1304, CommentsColumnWidth = 1305, LastModifiedColumnWidth = 4006, "
-               "UserSecurityLevel = 1, IconSize = 1, ToolBarText = 0, Password = 'pw', PictureFileName = 'p.jpg', "
-               "StatusColumnOrder = 9, SortColumnName = 'Phone', SplitterPositionVertical = 1000");
+               "UserSecurityLevel = 1, IconSize = 1, ToolBarText = 0, Password = ?, PictureFileName = ?, "
+               "StatusColumnOrder = 9, SortColumnName = ?, SplitterPositionVertical = 1000",
+               {"Support", "pw", "p.jpg", "Phone"});
 }
 
 }  // namespace
@@ -68,100 +59,77 @@ class TestNewUser : public QObject {
     Q_OBJECT
 
 private slots:
-    // Open, OK: every setting shows as stored and comes back as it was; the
-    // columns the window does not show are left alone.
-    void roundTrip()
+    // Open, then OK, or Reset and then Cancel or OK: every setting shows as
+    // stored (or its factory value after Reset); the columns the window does
+    // not show are left alone.
+    void templateRoundTrip_data()
     {
+        QTest::addColumn<bool>("reset");
+        QTest::addColumn<int>("button");
+        QTest::newRow("OK") << false << 0;
+        QTest::newRow("Reset, Cancel: nothing written") << true << 1;
+        QTest::newRow("Reset, OK: factory values written") << true << 0;
+    }
+    void templateRoundTrip()
+    {
+        QFETCH(bool, reset);
+        QFETCH(int, button);
         Console c(customTemplate);
         Database other = c.other();
         const QMap<QString, QString> before = templateRow(other);
-        const long long counterBefore = counter(other);
+        const long long counted = counter(other);
+        QMap<QString, QString> expected = before;
         frmNewUser d;
         d.show();
-        for (const Setting &s : Settings)
-            QVERIFY2(shownValue(&d, s.control) == before.value(s.column), s.control);
-        auto *groups = control<QComboBox>(&d, "ComboDefaultGroup");
-        QCOMPARE(groups->count(), 3);
-        QCOMPARE(groups->itemText(2), QString("Support"));
-        d.cmdButtons_Click(0);
-        QCOMPARE(d.result(), int(QDialog::Accepted));
+        QCOMPARE(control<QComboBox>(&d, "ComboDefaultGroup")->count(), 3);  // Everyone, Sales, Support
+        if (reset)
+            d.cmdButtons_Click(3);
+        for (const QString &s : Factory) {
+            const QString shown = reset ? s.section('=', 1) : before.value(column(s));
+            QVERIFY2(shownValue(&d, s.section('=', 0, 0)) == shown, qPrintable(s));
+            if (button == 0)
+                expected[column(s)] = shown;
+        }
+        QCOMPARE(boxes(), reset ? QStringList{Msg::defaultTitle() + "|Values have been reset to factory defaults, but "
+                                                                   "not saved (yet)."} : QStringList());
         QCOMPARE(templateRow(other), before);
-        QCOMPARE(counter(other), counterBefore);
-        QCOMPARE(boxes(), QStringList());
+        d.cmdButtons_Click(button);
+        QVERIFY(!d.isVisible());
+        QCOMPARE(templateRow(other), expected);
+        QCOMPARE(counter(other), counted);
     }
 
     void numbersAsTyped_data()
     {
         QTest::addColumn<QString>("control");
         QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("column");
         QTest::addColumn<QString>("stored");  // "error" when the store refuses it
-        QTest::newRow("rate with text behind") << "ComboRefreshRate" << "12 minutes" << "RefreshRate" << "12";
-        QTest::newRow("rate with no number") << "ComboRefreshRate" << "often" << "RefreshRate" << "0";
-        QTest::newRow("font below the range") << "comboFontSizeDisplay" << "7" << "FontSizeDisplay" << "8";
-        QTest::newRow("font above the range") << "comboFontSizeDisplay" << "99" << "FontSizeDisplay" << "15";
-        QTest::newRow("blanks around") << "txtScreenLeft" << "  -450  " << "ScreenLeft" << "-450";
-        QTest::newRow("half rounds to even") << "txtStatusColumnWidth" << "2500.5" << "StatusColumnWidth" << "2500";
-        QTest::newRow("exponent") << "txtPhoneColumnWidth" << "1.1e3" << "PhoneColumnWidth" << "1100";
-        QTest::newRow("empty") << "txtDueBackColumnWidth" << "" << "DueBackColumnWidth" << "0";
-        QTest::newRow("too large for the column") << "txtScreenTop" << "99999" << "ScreenTop" << "error";
+        QTest::newRow("rate with text behind") << "ComboRefreshRate" << "12 minutes" << "12";
+        QTest::newRow("rate with no number") << "ComboRefreshRate" << "often" << "0";
+        QTest::newRow("font below the range") << "comboFontSizeDisplay" << "7" << "8";
+        QTest::newRow("font above the range") << "comboFontSizeDisplay" << "99" << "15";
+        QTest::newRow("blanks around") << "txtScreenLeft" << "  -450  " << "-450";
+        QTest::newRow("half rounds to even") << "txtStatusColumnWidth" << "2500.5" << "2500";
+        QTest::newRow("exponent") << "txtPhoneColumnWidth" << "1.1e3" << "1100";
+        QTest::newRow("empty") << "txtDueBackColumnWidth" << "" << "0";
+        QTest::newRow("too large for the column") << "txtScreenTop" << "99999" << "error";
     }
     void numbersAsTyped()
     {
         QFETCH(QString, control);
         QFETCH(QString, typed);
-        QFETCH(QString, column);
         QFETCH(QString, stored);
         Console c;
         Database other = c.other();
-        const QString old = templateRow(other).value(column);
+        const bool refused = stored == "error";
+        const QString old = templateRow(other).value(column(control));
         frmNewUser d;
         d.show();
         setValue(&d, control, typed);
         d.cmdButtons_Click(0);
-        QCOMPARE(templateRow(other).value(column), stored == "error" ? old : stored);
-        QCOMPARE(Msg::transcript().size(), stored == "error" ? 1 : 0);
-        QCOMPARE(d.isVisible(), stored == "error");
-    }
-
-    void resetThen_data()
-    {
-        QTest::addColumn<int>("button");
-        QTest::newRow("Cancel: nothing written") << 1;
-        QTest::newRow("OK: factory values written") << 0;
-    }
-    void resetThen()
-    {
-        QFETCH(int, button);
-        Console c(customTemplate);
-        Database other = c.other();
-        const QMap<QString, QString> before = templateRow(other);
-        frmNewUser d;
-        d.show();
-        d.cmdButtons_Click(3);
-        for (const Setting &s : Settings)
-            QVERIFY2(shownValue(&d, s.control) == s.factory, s.control);
-        QCOMPARE(boxes(), QStringList{Msg::defaultTitle() + "|Values have been reset to factory defaults, but not saved (yet)."});
-        QCOMPARE(templateRow(other), before);
-        d.cmdButtons_Click(button);
-        QVERIFY(!d.isVisible());
-        QMap<QString, QString> expected = before;
-        if (button == 0)
-            for (const Setting &s : Settings)
-                expected[s.column] = s.factory;
-        QCOMPARE(templateRow(other), expected);
-    }
-
-    void emptyTablesGetTheirRows()
-    {
-        Console c([](Database &db) { db.execute("DELETE FROM NewUserDefaultsTable"); });
-        Database other = c.other();
-        other.execute("DELETE FROM EmployeeSettingsTable");
-        other.execute("DELETE FROM GroupTable");
-        frmNewUser d;
-        QCOMPARE(other.scalar("SELECT count(*) FROM NewUserDefaultsTable").toInt(), 1);
-        QCOMPARE(other.scalar("SELECT GroupName FROM GroupTable").toString(), QString("Everyone"));
-        QCOMPARE(shownValue(&d, "txtScreenTop"), QString("1200"));  // the template's schema default
+        QCOMPARE(templateRow(other).value(column(control)), refused ? old : stored);
+        QCOMPARE(Msg::transcript().size(), int(refused));
+        QCOMPARE(d.isVisible(), refused);
     }
 };
 
