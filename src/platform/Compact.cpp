@@ -13,6 +13,7 @@
 #include <sqlite3.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <algorithm>
 #include <condition_variable>
@@ -20,6 +21,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <sys/stat.h>
@@ -129,10 +131,11 @@ private:
                                               .arg(what, path, QString::fromLocal8Bit(std::strerror(error))));
 }
 
-void writeAll(int fd, const char *data, qint64 size, const QString &path)
+// At `offset`, or at the descriptor's own position when it is negative.
+void writeAll(int fd, const char *data, qint64 size, const QString &path, qint64 offset = -1)
 {
     while (size > 0) {
-        const ssize_t n = ::write(fd, data, size_t(size));
+        const ssize_t n = offset < 0 ? ::write(fd, data, size_t(size)) : ::pwrite(fd, data, size_t(size), offset);
         if (n < 0) {
             if (errno == EINTR)
                 continue;
@@ -140,6 +143,8 @@ void writeAll(int fd, const char *data, qint64 size, const QString &path)
         }
         data += n;
         size -= n;
+        if (offset >= 0)
+            offset += n;
     }
 }
 
@@ -224,23 +229,49 @@ int openDescriptorOf(const QString &path)
     return found;
 }
 
-// Copies `size` bytes of an open descriptor without moving its offset,
-// in the kernel where the file system allows it.
+// Copies `size` bytes of an open descriptor without moving its offset.
+// A backup is written once and rarely read, so it goes past the page cache
+// where the file system allows that: the copy then takes no memory from the
+// compaction running beside it. Elsewhere the kernel copies on its own.
 void copyDescriptor(int in, qint64 size, mode_t mode, const QString &target)
 {
     writeThenRename(target, mode, [&](int out, const QString &temporary) {
         constexpr qint64 Step = qint64(8) << 20;
+        constexpr qint64 Block = 4096;
         QByteArray buffer;
+        const int flags = ::fcntl(out, F_GETFL);
+        const std::unique_ptr<char, decltype(&std::free)> aligned(
+            flags >= 0 && ::fcntl(out, F_SETFL, flags | O_DIRECT) == 0
+                ? static_cast<char *>(std::aligned_alloc(size_t(Block), size_t(Step)))
+                : nullptr,
+            &std::free);
+        if (!aligned && flags >= 0)
+            ::fcntl(out, F_SETFL, flags);
         for (qint64 offset = 0; offset < size;) {
             const qint64 n = qMin(Step, size - offset);
-            loff_t from = offset;
-            ssize_t done = ::copy_file_range(in, &from, out, nullptr, size_t(n), 0);
-            if (done < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)) {
-                if (buffer.isEmpty())
-                    buffer.resize(int(Step));
-                done = ::pread(in, buffer.data(), size_t(n), offset);
-                if (done > 0)
-                    writeAll(out, buffer.constData(), done, temporary);
+            ssize_t done = -1;
+            if (aligned) {
+                done = ::pread(in, aligned.get(), size_t(n), offset);
+                if (done > 0) {
+                    const qint64 whole = done / Block * Block;
+                    if (whole > 0)
+                        writeAll(out, aligned.get(), whole, temporary, offset);
+                    if (whole < done) {  // the odd bytes at the end go the plain way
+                        ::fcntl(out, F_SETFL, flags);
+                        writeAll(out, aligned.get() + whole, done - whole, temporary, offset + whole);
+                        ::fcntl(out, F_SETFL, flags | O_DIRECT);
+                    }
+                }
+            } else {
+                loff_t from = offset;
+                done = ::copy_file_range(in, &from, out, nullptr, size_t(n), 0);
+                if (done < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)) {
+                    if (buffer.isEmpty())
+                        buffer.resize(int(Step));
+                    done = ::pread(in, buffer.data(), size_t(n), offset);
+                    if (done > 0)
+                        writeAll(out, buffer.constData(), done, temporary);
+                }
             }
             if (done < 0) {
                 if (errno == EINTR)
@@ -249,7 +280,8 @@ void copyDescriptor(int in, qint64 size, mode_t mode, const QString &target)
             }
             if (done == 0)
                 break;  // the file is shorter than it said
-            ::sync_file_range(out, offset, done, SYNC_FILE_RANGE_WRITE);
+            if (!aligned)
+                ::sync_file_range(out, offset, done, SYNC_FILE_RANGE_WRITE);
             offset += done;
         }
     });
@@ -798,6 +830,11 @@ void copyFile(const QString &sourceLocal, const QString &targetLocal)
             offset += n;
         }
     });
+}
+
+bool removeFile(const QString &localPath)
+{
+    return CompactVfs::removeFile(QFile::encodeName(localPath).constData()) == 0;
 }
 
 Result compactHeld(Connection held, const QString &backupLocal)

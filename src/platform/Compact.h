@@ -52,6 +52,10 @@ void copyHeldFile(sqlite3 *db, const QString &targetLocal);
 // The same for a file that this process does not have open.
 void copyFile(const QString &sourceLocal, const QString &targetLocal);
 
+// Removes a file (an old backup) without waiting for its blocks to be
+// freed. False when the file could not be removed.
+bool removeFile(const QString &localPath);
+
 // Rewrites the file that `held` holds exclusively as a compact copy of
 // itself, and lets it go. When pages turn out to be damaged, every row that
 // can still be read is salvaged into fresh content instead (indexes

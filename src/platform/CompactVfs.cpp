@@ -3,7 +3,12 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace CompactVfs {
@@ -347,6 +352,27 @@ int gatedOpen(sqlite3_vfs *, sqlite3_filename name, sqlite3_file *f, int flags, 
     return rc;
 }
 
+// The last close of an unlinked file is what frees its blocks.
+void closeInBackground(int fd)
+{
+    try {
+        std::thread([fd] { ::close(fd); }).detach();
+    } catch (const std::system_error &) {
+        ::close(fd);
+    }
+}
+
+// The journal of a compaction is as large as the new content; its removal
+// at the commit should not hold the compaction up.
+int lateDelete(sqlite3_vfs *, const char *name, int syncDir)
+{
+    const int fd = ::open(name, O_RDONLY | O_CLOEXEC);
+    const int rc = g_realVfs->xDelete(g_realVfs, name, syncDir);
+    if (fd >= 0)
+        closeInBackground(fd);
+    return rc;
+}
+
 GatedFile *mainFileOf(sqlite3 *db)
 {
     sqlite3_file *file = nullptr;
@@ -371,9 +397,19 @@ const char *name()
         vfs.zName = "tavello-compact";
         vfs.pNext = nullptr;
         vfs.xOpen = gatedOpen;
+        vfs.xDelete = lateDelete;
         sqlite3_vfs_register(&vfs, 0);
     });
     return vfs.zName;
+}
+
+int removeFile(const char *path)
+{
+    const int fd = ::open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const int error = ::unlink(path) == 0 ? 0 : errno;
+    if (fd >= 0)
+        closeInBackground(fd);
+    return error;
 }
 
 bool setGate(sqlite3 *db, Gate *gate)

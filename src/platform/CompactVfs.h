@@ -39,4 +39,9 @@ const char *name();
 // False when `db` was not opened through this layer.
 bool setGate(sqlite3 *db, Gate *gate);
 
+// Takes a file's name away at once and leaves the freeing of its blocks,
+// a noticeable moment for a file of hundreds of megabytes, to a background
+// thread. Returns 0 or the error number of the unlink.
+int removeFile(const char *path);
+
 }  // namespace CompactVfs

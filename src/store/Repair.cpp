@@ -35,7 +35,7 @@ QString folderOf(const QString &localFile)
 // that is missing or cannot be moved is simply skipped.
 void rotateBackups(const QString &folder, const QString &prefix)
 {
-    QFile::remove(folder + prefix + threeDigits(9));
+    Compact::removeFile(folder + prefix + threeDigits(9));
     for (int n = 8; n >= 0; --n)
         QFile::rename(folder + prefix + threeDigits(n), folder + prefix + threeDigits(n + 1));
 }

@@ -135,16 +135,19 @@ private slots:
     {
         QTest::addColumn<QList<int>>("leafPicks");  // among the table's leaves; -1 the last
         QTest::addColumn<bool>("indexes");
-        QTest::newRow("two neighbouring leaves and a third") << QList<int>{10, 11, 40} << false;
-        QTest::newRow("first and last leaf") << QList<int>{0, -1} << false;
-        QTest::newRow("index pages only") << QList<int>{} << true;
-        QTest::newRow("leaves and index pages") << QList<int>{10, 11, 40} << true;
+        QTest::addColumn<int>("strayBytes");  // junk after the last page: a length of no whole page
+        QTest::newRow("two neighbouring leaves and a third") << QList<int>{10, 11, 40} << false << 0;
+        QTest::newRow("first and last leaf") << QList<int>{0, -1} << false << 0;
+        QTest::newRow("index pages only") << QList<int>{} << true << 0;
+        QTest::newRow("leaves and index pages") << QList<int>{10, 11, 40} << true << 0;
+        QTest::newRow("leaves and stray bytes at the end") << QList<int>{10, 11, 40} << false << 1000;
     }
 
     void damagedFiles()
     {
         QFETCH(QList<int>, leafPicks);
         QFETCH(bool, indexes);
+        QFETCH(int, strayBytes);
         Site site;
         const QString live = boardAt(site);
         const QMap<QString, QString> original = employeeRows(live, true);
@@ -168,6 +171,11 @@ private slots:
             }
         }
         damagePages(live, pages);
+        if (strayBytes > 0) {
+            QFile f(live);
+            QVERIFY(f.open(QIODevice::Append));
+            f.write(QByteArray(strayBytes, '\x5a'));
+        }
         QVERIFY(integrity(live) != "ok");
         const QByteArray damaged = bytesOf(live);
         const quint64 inode = inodeOf(live);
