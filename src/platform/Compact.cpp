@@ -247,19 +247,26 @@ void copyDescriptor(int in, qint64 size, mode_t mode, const QString &target)
             &std::free);
         if (!aligned && flags >= 0)
             ::fcntl(out, F_SETFL, flags);
+        bool direct = bool(aligned);
         for (qint64 offset = 0; offset < size;) {
             const qint64 n = qMin(Step, size - offset);
             ssize_t done = -1;
             if (aligned) {
                 done = ::pread(in, aligned.get(), size_t(n), offset);
                 if (done > 0) {
-                    const qint64 whole = done / Block * Block;
-                    if (whole > 0)
-                        writeAll(out, aligned.get(), whole, temporary, offset);
-                    if (whole < done) {  // the odd bytes at the end go the plain way
+                    // Whole blocks go direct; the odd bytes at the end, and
+                    // everything on a file system that turns direct writes
+                    // down after all, the plain way.
+                    qint64 whole = direct ? done / Block * Block : 0;
+                    if (whole > 0 && ::pwrite(out, aligned.get(), size_t(whole), offset) != whole) {
+                        direct = false;
+                        whole = 0;
+                    }
+                    if (whole < done) {
                         ::fcntl(out, F_SETFL, flags);
                         writeAll(out, aligned.get() + whole, done - whole, temporary, offset + whole);
-                        ::fcntl(out, F_SETFL, flags | O_DIRECT);
+                        if (direct)
+                            ::fcntl(out, F_SETFL, flags | O_DIRECT);
                     }
                 }
             } else {
