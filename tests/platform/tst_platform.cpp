@@ -15,40 +15,33 @@ class TestPlatform : public QObject {
     Q_OBJECT
 
 private slots:
+    // Each pattern with a text it matches and one it does not.
     void likePatterns_data()
     {
-        QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("pattern");
-        QTest::addColumn<bool>("matches");
-        QTest::newRow("plain, other case") << "Guest" << "guest" << true;
-        QTest::newRow("star any run") << "Jane Smith" << "J*th" << true;
-        QTest::newRow("star empty run") << "Jane" << "Jane*" << true;
-        QTest::newRow("star no match") << "Jane" << "*x*" << false;
-        QTest::newRow("question one char") << "Bob" << "B?b" << true;
-        QTest::newRow("question needs a char") << "Bb" << "B?b" << false;
-        QTest::newRow("hash a digit") << "Room 7" << "Room #" << true;
-        QTest::newRow("hash not a letter") << "Room A" << "Room #" << false;
-        QTest::newRow("list") << "cat" << "[bc]at" << true;
-        QTest::newRow("list miss") << "rat" << "[bc]at" << false;
-        QTest::newRow("range case-blind") << "Mike" << "[a-m]ike" << true;
-        QTest::newRow("negated range") << "zed" << "[!a-m]ed" << true;
-        QTest::newRow("negated range miss") << "bed" << "[!a-m]ed" << false;
-        QTest::newRow("literal star in list") << "a*b" << "a[*]b" << true;
-        QTest::newRow("literal star in list miss") << "axb" << "a[*]b" << false;
-        QTest::newRow("percent is literal") << "50%" << "50%" << true;
-        QTest::newRow("percent not a wildcard") << "50 percent" << "50%" << false;
-        QTest::newRow("underscore is literal") << "a_b" << "a_b" << true;
-        QTest::newRow("underscore not a wildcard") << "axb" << "a_b" << false;
-        QTest::newRow("non-ASCII case-blind") << QString::fromUtf8("Ärger") << QString::fromUtf8("ärger") << true;
-        QTest::newRow("backtracking stars") << "abcabcabd" << "*abd" << true;
-        QTest::newRow("unclosed bracket literal") << "[x" << "[x" << true;
+        QTest::addColumn<QString>("match");
+        QTest::addColumn<QString>("miss");
+        QTest::newRow("plain, other case") << "guest" << "Guest" << "Guests";
+        QTest::newRow("star empty run") << "Jane*" << "Jane" << "Jan";
+        QTest::newRow("question one char") << "B?b" << "Bob" << "Bb";
+        QTest::newRow("hash a digit") << "Room #" << "Room 7" << "Room A";
+        QTest::newRow("list") << "[bc]at" << "cat" << "rat";
+        QTest::newRow("range case-blind") << "[a-m]ike" << "Mike" << "Nike";
+        QTest::newRow("negated range") << "[!a-m]ed" << "zed" << "bed";
+        QTest::newRow("literal star in list") << "a[*]b" << "a*b" << "axb";
+        QTest::newRow("percent is literal") << "50%" << "50%" << "50 percent";
+        QTest::newRow("underscore is literal") << "a_b" << "a_b" << "axb";
+        QTest::newRow("non-ASCII case-blind") << QString::fromUtf8("ärger") << QString::fromUtf8("Ärger") << "Arger";
+        QTest::newRow("backtracking stars") << "*abd" << "abcabcabd" << "abcabdx";
+        QTest::newRow("unclosed bracket literal") << "[x" << "[x" << "x";
     }
     void likePatterns()
     {
-        QFETCH(QString, text);
         QFETCH(QString, pattern);
-        QFETCH(bool, matches);
-        QCOMPARE(jetLike(text, pattern), matches);
+        QFETCH(QString, match);
+        QFETCH(QString, miss);
+        QVERIFY(jetLike(match, pattern));
+        QVERIFY(!jetLike(miss, pattern));
     }
 
     void iniRoundTripKeepsOtherLines()
@@ -56,28 +49,17 @@ private slots:
         TestSupport::Site site;
         const QString ini = site.programFolder() + "/other.ini";
         QFile f(ini);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("; comment\n[Other]\nA=1\n\n[datapath]\ndatapath=old\nKeep=yes\n");
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("; comment\n[Other]\nA=1\n\n[datapath]\ndatapath=old\nKeep=yes\n") > 0);
         f.close();
         QVERIFY(IniFile::writeKey(ini, "DataPath", "DataPath", "\\\\SRV\\SHARE\\DIR\\"));
+        QVERIFY(IniFile::writeKey(ini, "New", "K", "'quoted'"));
+        QVERIFY(IniFile::writeKey(ini, "New", "Long", QString(250, 'x')));
         QCOMPARE(IniFile::readKey(ini, "DATAPATH", "DATAPATH"), QString("\\\\SRV\\SHARE\\DIR\\"));
         QCOMPARE(IniFile::readKey(ini, "Other", "A"), QString("1"));
         QCOMPARE(IniFile::readKey(ini, "datapath", "Keep"), QString("yes"));
-        QVERIFY(IniFile::writeKey(ini, "New", "K", "v"));
-        QCOMPARE(IniFile::readKey(ini, "New", "K"), QString("v"));
-        QCOMPARE(IniFile::readKey(ini, "Other", "A"), QString("1"));
+        QCOMPARE(IniFile::readKey(ini, "New", "K"), QString("quoted"));
+        QCOMPARE(IniFile::readKey(ini, "New", "Long"), QString(199, 'x'));  // values keep 199 characters
         QCOMPARE(IniFile::readKey(ini + ".missing", "DataPath", "DataPath", "dflt"), QString("dflt"));
-    }
-
-    void iniValuesKeep199Characters()
-    {
-        TestSupport::Site site;
-        const QString ini = site.programFolder() + "/long.ini";
-        const QString longValue(250, QLatin1Char('x'));
-        QVERIFY(IniFile::writeKey(ini, "S", "K", longValue));
-        QCOMPARE(IniFile::readKey(ini, "S", "K").size(), 199);
-        QVERIFY(IniFile::writeKey(ini, "S", "Q", "'quoted'"));
-        QCOMPARE(IniFile::readKey(ini, "S", "Q"), QString("quoted"));
     }
 
     void f1ShowsThePageOfTheWindowInFront_data()
@@ -99,13 +81,11 @@ private slots:
         field->setFocus();
         QTest::keyClick(field, Qt::Key_F1);
         QCOMPARE(Help::lastPage(), page);
-        QWidget *help = nullptr;
-        for (QWidget *w : QApplication::topLevelWidgets())
-            if (w->objectName() == "HelpWindow" && w->isVisible())
-                help = w;
-        QVERIFY(help);
-        QVERIFY(!help->windowTitle().isEmpty());
-        help->close();
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        const auto help = std::find_if(windows.begin(), windows.end(),
+                                       [](QWidget *w) { return w->objectName() == "HelpWindow" && w->isVisible(); });
+        QVERIFY(help != windows.end());
+        (*help)->close();
     }
 
     void uncPaths()
@@ -115,11 +95,8 @@ private slots:
         QCOMPARE(UncPath::toLocal("\\\\testsrv\\share\\apps\\tavello\\tavello.mdb").value(),
                  site.shareFolder() + "/apps/tavello/tavello.mdb");
         QVERIFY(!UncPath::toLocal("\\\\NOSUCH\\SHARE\\x\\").has_value());
-        QVERIFY(!UncPath::toLocal("\\\\incomplete").has_value());
         QCOMPARE(UncPath::toUnc(site.shareFolder() + "/apps/tavello/"), QString("\\\\TESTSRV\\SHARE\\apps\\tavello\\"));
         QCOMPARE(UncPath::toUnc(site.programFolder()), site.programFolder());
-        QCOMPARE(UncPath::withTrailingSeparator("\\\\A\\B"), QString("\\\\A\\B\\"));
-        QCOMPARE(UncPath::withTrailingSeparator("/srv/x"), QString("/srv/x/"));
         // A share folder that is a prefix of another folder's name is not that folder's share.
         QDir().mkpath(site.shareFolder() + "2");
         QCOMPARE(UncPath::toUnc(site.shareFolder() + "2/a"), site.shareFolder() + "2/a");

@@ -2,6 +2,7 @@
 
 #include "platform/Database.h"
 
+#include <QFile>
 #include <QStringList>
 #include <functional>
 
@@ -9,7 +10,21 @@
 namespace StoreFixtures {
 
 // 0, or the number of the StoreError that `f` throws.
-int failureOf(const std::function<void()> &f);
+inline int failureOf(const std::function<void()> &f)
+{
+    try {
+        f();
+    } catch (const StoreError &e) {
+        return e.number();
+    }
+    return 0;
+}
+
+inline QByteArray contentOf(const QString &file)
+{
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
 
 // The first value of every row `sql` returns, as text.
 QStringList column(Database &db, const QString &sql, const QVariantList &params = {});

@@ -17,37 +17,92 @@
 
 using namespace StoreFixtures;
 
-namespace {
-
-QByteArray contentOf(const QString &file)
-{
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-QStringList folderListing(const QString &folder)
+static QStringList folderListing(const QString &folder)
 {
     return QDir(folder).entryList(QDir::Files | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
-
-}  // namespace
 
 class TestCreateData : public QObject {
     Q_OBJECT
 
 private slots:
-    void newDatabaseOnTheShare()
+    // What creation does with what is in the folder already. A file, or
+    // anything else, under the name is refused and left as it is, and so is
+    // a path that leads nowhere. Half-built files carry the machine's name and
+    // the creating process's id; those of a creation that cannot be running
+    // any more are removed. A new file holds its first rows.
+    void creationBesideWhatIsThere_data()
     {
+        QTest::addColumn<QString>("leaf");     // what is there already, under this name
+        QTest::addColumn<QString>("content");  // "board", "folder", "link" or a file's text
+        QTest::addColumn<int>("ageSeconds");
+        QTest::addColumn<QString>("path");  // to create
+        QTest::addColumn<int>("failure");
+        QTest::addColumn<bool>("kept");
+        QString here = QSysInfo::machineHostName();
+        for (QChar &c : here)
+            if (!c.isLetterOrNumber() && c != '.')
+                c = '_';
+        QProcess ended;
+        ended.start("true", {});
+        QVERIFY(ended.waitForFinished());
+        const QString dead = QString::number(ended.processId()), share = "\\\\TESTSRV\\SHARE\\", file = share + "tavello.mdb";
+        const QString live = "tavello.mdb", half = "tavello.mdb.new-";
+        QTest::newRow("a board database") << live << "board" << 0 << file << 3204 << true;
+        QTest::newRow("a text file") << live << "Name,Status\nAnn,In\n" << 0 << file << 3204 << true;
+        QTest::newRow("an empty file") << live << "" << 0 << file << 3204 << true;
+        QTest::newRow("a folder") << live << "folder" << 0 << file << 3204 << true;
+        QTest::newRow("a link to nowhere") << live << "link" << 0 << file << 3204 << true;
+        QTest::newRow("missing folder") << "" << "" << 0 << share + "nowhere\\tavello.mdb" << 3044 << false;
+        QTest::newRow("bad file name") << "" << "" << 0 << share + "tav*ello.mdb" << 3055 << false;
+        QTest::newRow("name too long") << "" << "" << 0 << share + QString(300, 'a') << 3055 << false;
+        QTest::newRow("this machine, program gone") << half + here + "-" + dead << "half" << 0 << file << 0 << false;
+        QTest::newRow("its journal") << half + here + "-" + dead + "-journal" << "half" << 0 << file << 0 << false;
+        QTest::newRow("the name this run uses") << half + here + "-" + QString::number(::getpid()) << "half" << 0 << file << 0 << false;
+        QTest::newRow("another machine, long ago") << half + "faraway-4242" << "half" << 7200 << file << 0 << false;
+        QTest::newRow("another machine, creating now") << half + "faraway-4243" << "half" << 0 << file << 0 << true;
+        QTest::newRow("another database's") << "other.mdb.new-" + here + "-" + dead << "half" << 0 << file << 0 << true;
+    }
+    void creationBesideWhatIsThere()
+    {
+        QFETCH(QString, leaf);
+        QFETCH(QString, content);
+        QFETCH(int, ageSeconds);
+        QFETCH(QString, path);
+        QFETCH(int, failure);
+        QFETCH(bool, kept);
         TestSupport::Site site;
-        QCOMPARE(CreateDatabase(site.shareUnc() + "tavello.mdb"), 0);
-        QVERIFY(Msg::transcript().isEmpty());
-        QCOMPARE(folderListing(site.shareFolder()), QStringList{"tavello.mdb"});  // nothing half-built left beside it
-        {
-            TestSupport::ExternalHolder shell(site.local("tavello.mdb"), TestSupport::ExternalHolder::Hold::None);
-            QVERIFY(shell.started());
-            QCOMPARE(shell.run("PRAGMA integrity_check; PRAGMA foreign_key_check;"), QString("ok"));
+        const QString there = site.local(leaf);
+        QFile f(there);
+        if (content == "board") {
+            QCOMPARE(CreateDatabase(there), 0);
+            Database::open(there).addRow("GroupTable", {{"GroupName", "Sales"}});
+        } else if (content == "folder") {
+            QVERIFY(QDir().mkpath(there));
+        } else if (content == "link") {
+            QVERIFY(QFile::link(site.local("moved.mdb"), there));
+        } else if (!leaf.isEmpty()) {
+            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(content.toUtf8()) == content.size() && f.flush());
+            QVERIFY(f.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
+            f.close();
         }
+        const QByteArray before = contentOf(there);
+        QStringList listing = folderListing(site.shareFolder());
+        if (failure)
+            QCOMPARE(failureOf([&] { Database::create(path); }), failure);
+        QCOMPARE(CreateDatabase(path), failure);
+        QVERIFY(Msg::transcript().isEmpty());
+        QCOMPARE(contentOf(there), kept ? before : QByteArray());
+        QCOMPARE(QFileInfo(there).isSymLink(), content == "link");
+        if (failure) {
+            QCOMPARE(folderListing(site.shareFolder()), listing);
+            return;
+        }
+        listing = folderListing(site.shareFolder());
+        QCOMPARE(listing.removeAll(leaf) == 1, kept);
+        QCOMPARE(listing, QStringList{"tavello.mdb"});  // nothing half-built left beside it
         Database db = Database::open(site.local("tavello.mdb"));
+        QCOMPARE(column(db, "PRAGMA integrity_check") + column(db, "PRAGMA foreign_key_check"), QStringList{"ok"});
         for (const char *want :
              {"DueBackTable(DueBack): '07:00 am'; '07:30 am'; '08:00 am'; '08:30 am'; '09:00 am'; '09:30 am'; '10:00 am'; "
               "'10:30 am'; '11:00 am'; '11:30 am'; '12:00 (Midday)'; '12:30 pm'; '13:00 (1 pm)'; '13:30 (1:30 pm)'; "
@@ -65,85 +120,6 @@ private slots:
               "EmployeeStatusTracking(Tracker):", "ImportErrorLog(ErrorText):", "MessagesTable(MessageID):",
               "ServersTable(UNCPath):", "TransactionLogTable(Name):", "UserErrorLog(Name):"})
             QCOMPARE(rowsOf(db, want), QString(want));
-    }
-
-    // A refused creation shows nothing and leaves the folder as it was.
-    void refusedCreationTouchesNothing_data()
-    {
-        QTest::addColumn<QString>("existing");  // what is there already
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<int>("failure");
-        const QString file = "\\\\TESTSRV\\SHARE\\tavello.mdb";
-        QTest::newRow("a board database") << "board" << file << 3204;
-        QTest::newRow("a text file") << "Name,Status\nAnn,In\n" << file << 3204;
-        QTest::newRow("an empty file") << "" << file << 3204;
-        QTest::newRow("a link to nowhere") << "link" << file << 3204;
-        QTest::newRow("missing folder") << "none" << "\\\\TESTSRV\\SHARE\\nowhere\\tavello.mdb" << 3044;
-        QTest::newRow("unknown share") << "none" << "\\\\ELSEWHERE\\SHARE\\tavello.mdb" << 3044;
-        QTest::newRow("bad file name") << "none" << "\\\\TESTSRV\\SHARE\\tav*ello.mdb" << 3055;
-    }
-    void refusedCreationTouchesNothing()
-    {
-        QFETCH(QString, existing);
-        QFETCH(QString, path);
-        QFETCH(int, failure);
-        TestSupport::Site site;
-        const QString file = site.local("tavello.mdb");
-        if (existing == "board") {
-            QCOMPARE(CreateDatabase(file), 0);
-            Database::open(file).addRow("GroupTable", {{"GroupName", "Sales"}});
-        } else if (existing == "link") {
-            QVERIFY(QFile::link(site.local("moved.mdb"), file));
-        } else if (existing != "none") {
-            QFile f(file);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(existing.toUtf8());
-        }
-        const QByteArray before = contentOf(file);
-        const QStringList listing = folderListing(site.shareFolder());
-        QCOMPARE(CreateDatabase(path), failure);
-        QCOMPARE(contentOf(file), before);
-        QCOMPARE(folderListing(site.shareFolder()), listing);
-        QCOMPARE(QFileInfo(file).isSymLink(), existing == "link");
-        QVERIFY(Msg::transcript().isEmpty());
-    }
-
-    // Half-built files carry the machine's name and the creating process's id.
-    void leftoversOfCrashedCreations_data()
-    {
-        QTest::addColumn<QString>("leaf");
-        QTest::addColumn<int>("ageSeconds");
-        QTest::addColumn<bool>("kept");
-        QString here = QSysInfo::machineHostName();
-        for (QChar &c : here)
-            if (!c.isLetterOrNumber() && c != '.')
-                c = '_';
-        QProcess ended;
-        ended.start("true", {});
-        QVERIFY(ended.waitForFinished());
-        const QString dead = QString::number(ended.processId());
-        QTest::newRow("this machine, program gone") << "tavello.mdb.new-" + here + "-" + dead << 0 << false;
-        QTest::newRow("its journal") << "tavello.mdb.new-" + here + "-" + dead + "-journal" << 0 << false;
-        QTest::newRow("the name this run uses") << "tavello.mdb.new-" + here + "-" + QString::number(::getpid()) << 0 << false;
-        QTest::newRow("another machine, long ago") << "tavello.mdb.new-faraway-4242" << 7200 << false;
-        QTest::newRow("another machine, creating now") << "tavello.mdb.new-faraway-4243" << 0 << true;
-        QTest::newRow("another database's") << "other.mdb.new-" + here + "-" + dead << 0 << true;
-    }
-    void leftoversOfCrashedCreations()
-    {
-        QFETCH(QString, leaf);
-        QFETCH(int, ageSeconds);
-        QFETCH(bool, kept);
-        TestSupport::Site site;
-        QFile leftover(site.local(leaf));
-        QVERIFY(leftover.open(QIODevice::WriteOnly));
-        leftover.write(QByteArray("SQLite format 3\0half", 20));
-        leftover.flush();
-        QVERIFY(leftover.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds), QFileDevice::FileModificationTime));
-        leftover.close();
-        QCOMPARE(CreateDatabase(site.local("tavello.mdb")), 0);
-        QCOMPARE(leftover.exists(), kept);
-        QCOMPARE(Database::open(site.local("tavello.mdb")).scalar("SELECT count(*) FROM DueBackTable").toInt(), 27);
     }
 
     // Seeding a file that has its rows already: every refused row is told
@@ -164,18 +140,16 @@ private slots:
         QCOMPARE(CreateDatabase(site.local("tavello.mdb")), 0);
         Database db = Database::open(site.local("tavello.mdb"));
         QStringList before = dump(db).split('\n');
+        before.sort();
         for (const QString &table : emptied)
             db.execute("DELETE FROM " + Database::quoteIdentifier(table));
         modCreateData(db);
         const auto shown = Msg::transcript();
         QCOMPARE(shown.size(), messages);
-        for (const Msg::Shown &box : shown) {
-            QVERIFY2(box.text.startsWith("Error: 3022 - "), qPrintable(box.text));
-            QCOMPARE(box.buttons, Msg::Buttons::OK);
-            QCOMPARE(box.icon, Msg::Icon::None);
-        }
+        for (const Msg::Shown &box : shown)
+            QVERIFY2(box.text.startsWith("Error: 3022 - ") && box.buttons == Msg::Buttons::OK && box.icon == Msg::Icon::None,
+                     qPrintable(box.text));
         QStringList after = dump(db).split('\n');
-        before.sort();
         after.sort();
         QCOMPARE(after, before);  // every row back, none doubled
     }

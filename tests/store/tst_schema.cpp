@@ -7,11 +7,22 @@
 
 #include <QTest>
 
-#include <memory>
 
 using namespace StoreFixtures;
 
-namespace {
+// A user's settings, the same fields as the defaults for new users but for
+// %1 automatic log in and out, %2 the refresh rate and %3 the password's rule.
+const QString kUserSettings = QStringList{"AutoClearComments I = 0", "AutoLogIn I = %1", "AutoLogOut I = %1",
+    "AutoMinimize I = 0", "RefreshRate I = %2", "DefaultGroup T250 nz = 'Everyone'", "StatusColumnWidth I = 2000",
+    "NameColumnWidth I = 1400", "PhoneColumnWidth I = 1100", "DueBackColumnWidth I = 1300", "CommentsColumnWidth I = 1300",
+    "LastModifiedColumnWidth I = 4000", "SortOrder I = 0", "SortKey I = 2", "ScreenTop I = 1200", "ScreenLeft I = 1200",
+    "ScreenWidth I = 10710", "ScreenHeight I = 7005", "ListViewPopUp I = 1", "ChangeScreenPopUp I = 0",
+    "UserSecurityLevel I = 0", "MinimizeSetting I = 0", "Password T250%3", "IconSize I = 0", "PictureFileName T250",
+    "StatusColumnOrder L req = 1", "NameColumnOrder L req = 2", "PhoneColumnOrder L req = 3", "DueBackColumnOrder L req = 4",
+    "CommentsColumnOrder L req = 5", "LastModifiedColumnOrder L req = 6", "SortColumnName T250 nz = 'Name'",
+    "ToolBarText I = 1", "MinimizeOnClose L = 0", "DisplayTreeView L = 1", "PhotoSizeToFit B = 0",
+    "SplitterPositionVertical L req = 1860", "SplitterPositionHorizontal L req = 3600", "FontBoldDisplay I = 0",
+    "FontSizeDisplay I = 8"}.join('\n');
 
 // Per table in creation order: its fields in order, "Name Type [req] [nz] [auto] [= default]"
 // (I 16-bit, L 32-bit, B yes/no, D double, DT date, M memo, Tn text of n characters;
@@ -19,28 +30,17 @@ namespace {
 // its indexes, and the relations it holds, each cascading renames and deletes.
 // Written apart from the code under test, so a slip in either shows.
 const QList<QPair<QString, QStringList>> kShape = {
-    {"AdminSettingsTable", {"ScreenTop I = 1200", "ScreenLeft I = 1200", "ScreenWidth I = 10710",
-     "ScreenHeight I = 7440", "TransactionLogPrintFontSize I = 7", "TransactionLogPrintOrientation I = 0",
-     "AutoCheckForUpdates I = 1", "LastSelectedNode T20 nz = 'Users'", "AdminFontBoldDisplay I = 0",
-     "AdminFontSizeDisplay I = 8"}},
+    {"AdminSettingsTable", {"ScreenTop I = 1200", "ScreenLeft I = 1200", "ScreenWidth I = 10710", "ScreenHeight I = 7440",
+     "TransactionLogPrintFontSize I = 7", "TransactionLogPrintOrientation I = 0", "AutoCheckForUpdates I = 1",
+     "LastSelectedNode T20 nz = 'Users'", "AdminFontBoldDisplay I = 0", "AdminFontSizeDisplay I = 8"}},
     {"DueBackTable", {"DueBack T250", "index DueBack(DueBack) unique"}},
     {"EmployeeGroupTable", {"EmployeeName T250 nz", "GroupName T250 nz", "GroupManager I = 0",
-     "index Employee_Name(EmployeeName)", "index Group_Name(GroupName)",
-     "index PrimaryKey(EmployeeName,GroupName) primary", "fk EmployeeName -> EmployeeTable.Name",
-     "fk GroupName -> GroupTable.GroupName"}},
-    {"EmployeeSettingsTable", {"Name T250 nz = 'Guest'", "Phone T250", "AutoClearComments I = 0", "AutoLogIn I = 0",
-     "AutoLogOut I = 0", "AutoMinimize I = 0", "RefreshRate I = 1", "DefaultGroup T250 nz = 'Everyone'",
-     "StatusColumnWidth I = 2000", "NameColumnWidth I = 1400", "PhoneColumnWidth I = 1100",
-     "DueBackColumnWidth I = 1300", "CommentsColumnWidth I = 1300", "LastModifiedColumnWidth I = 4000",
-     "SortOrder I = 0", "SortKey I = 2", "ScreenTop I = 1200", "ScreenLeft I = 1200", "ScreenWidth I = 10710",
-     "ScreenHeight I = 7005", "ListViewPopUp I = 1", "ChangeScreenPopUp I = 0", "UserSecurityLevel I = 0",
-     "MinimizeSetting I = 0", "Password T250 nz", "IconSize I = 0", "PictureFileName T250",
-     "StatusColumnOrder L req = 1", "NameColumnOrder L req = 2", "PhoneColumnOrder L req = 3",
-     "DueBackColumnOrder L req = 4", "CommentsColumnOrder L req = 5", "LastModifiedColumnOrder L req = 6",
-     "SortColumnName T250 nz = 'Name'", "ToolBarText I = 1", "MinimizeOnClose L = 0", "DisplayTreeView L = 1",
-     "PhotoSizeToFit B = 0", "SplitterPositionVertical L req = 1860", "SplitterPositionHorizontal L req = 3600",
-     "FontBoldDisplay I = 0", "FontSizeDisplay I = 8", "index EmployeeSettingsTableName(Name)", "index Phone(Phone)",
-     "index PrimaryKey(Name) primary", "fk DefaultGroup -> GroupTable.GroupName", "fk Name -> EmployeeTable.Name"}},
+     "index Employee_Name(EmployeeName)", "index Group_Name(GroupName)", "index PrimaryKey(EmployeeName,GroupName) primary",
+     "fk EmployeeName -> EmployeeTable.Name", "fk GroupName -> GroupTable.GroupName"}},
+    {"EmployeeSettingsTable",
+     QStringList{"Name T250 nz = 'Guest'", "Phone T250"} + kUserSettings.arg("0", "1", " nz").split('\n') +
+         QStringList{"index EmployeeSettingsTableName(Name)", "index Phone(Phone)", "index PrimaryKey(Name) primary",
+                     "fk DefaultGroup -> GroupTable.GroupName", "fk Name -> EmployeeTable.Name"}},
     {"EmployeeStatusTracking", {"Tracker T250 nz", "Trackee T250 nz", "TrackeeStatus T250 nz", "TrackeeLastUpdated D",
      "fk Trackee -> EmployeeTable.Name", "fk Tracker -> EmployeeTable.Name"}},
     // Its DueBack relation is not enforced: the list only suggests values.
@@ -56,19 +56,9 @@ const QList<QPair<QString, QStringList>> kShape = {
     {"GroupTable", {"GroupName T250 nz = 'Everyone'", "index PrimaryKey(GroupName) primary"}},
     {"ImportErrorLog", {"ErrorDate DT", "ErrorTime DT", "ErrorText T250 nz"}},
     {"MessagesTable", {"MessageID L auto", "SentFromRemoteUNC T255", "SentFromName T250", "SentToRemoteUNC T255",
-     "SentToName T250", "MessageFrom T250", "MessageSubject T250", "MessageBody M nz", "SentDateTimeNum D",
-     "Category T50", "LastUsedDateTimeNum D = 0", "index MessageID(MessageID) unique"}},
-    {"NewUserDefaultsTable", {"AutoClearComments I = 0", "AutoLogIn I = 1", "AutoLogOut I = 1", "AutoMinimize I = 0",
-     "RefreshRate I = 5", "DefaultGroup T250 nz = 'Everyone'", "StatusColumnWidth I = 2000", "NameColumnWidth I = 1400",
-     "PhoneColumnWidth I = 1100", "DueBackColumnWidth I = 1300", "CommentsColumnWidth I = 1300",
-     "LastModifiedColumnWidth I = 4000", "SortOrder I = 0", "SortKey I = 2", "ScreenTop I = 1200", "ScreenLeft I = 1200",
-     "ScreenWidth I = 10710", "ScreenHeight I = 7005", "ListViewPopUp I = 1", "ChangeScreenPopUp I = 0",
-     "UserSecurityLevel I = 0", "MinimizeSetting I = 0", "Password T250", "IconSize I = 0", "PictureFileName T250",
-     "StatusColumnOrder L req = 1", "NameColumnOrder L req = 2", "PhoneColumnOrder L req = 3",
-     "DueBackColumnOrder L req = 4", "CommentsColumnOrder L req = 5", "LastModifiedColumnOrder L req = 6",
-     "SortColumnName T250 nz = 'Name'", "ToolBarText I = 1", "MinimizeOnClose L = 0", "DisplayTreeView L = 1",
-     "PhotoSizeToFit B = 0", "SplitterPositionVertical L req = 1860", "SplitterPositionHorizontal L req = 3600",
-     "FontBoldDisplay I = 0", "FontSizeDisplay I = 8"}},
+     "SentToName T250", "MessageFrom T250", "MessageSubject T250", "MessageBody M nz", "SentDateTimeNum D", "Category T50",
+     "LastUsedDateTimeNum D = 0", "index MessageID(MessageID) unique"}},
+    {"NewUserDefaultsTable", kUserSettings.arg("1", "5", "").split('\n')},
     {"ServersTable", {"UNCPath T250 nz", "Description T250", "index ixUNC(UNCPath) unique"}},
     {"StatusCounterTable", {"Counter L = 1", "GroupCounter L = 1", "StatusTypeCounter L = 1", "SecurityCounter L = 1",
      "ExtraColumnsCounter L req = 0"}},
@@ -82,16 +72,16 @@ const QList<QPair<QString, QStringList>> kShape = {
      "ErrorMessage T250 nz"}},
 };
 
+// A field of kShape; a key's fields are required too. `declared` is its type as the file declares it.
 struct Field {
-    QString table, name, type;
+    QString table, name, type, declared, defaultValue;
     int size;  // Text only
-    bool required, zeroLength, autoIncrement, primary;
-    QString defaultValue;
-    bool notNull() const { return required || primary; }
+    bool notNull, zeroLength, autoIncrement;
 };
 
-const QVector<Field> &fields()
+static const QVector<Field> &fields()
 {
+    static const QMap<QChar, QString> types = {{'I', "SMALLINT"}, {'L', "INTEGER"}, {'B', "BOOLEAN"}, {'D', "REAL"}, {'M', "TEXT"}};
     static const QVector<Field> all = [] {
         QVector<Field> out;
         for (const auto &[table, items] : kShape) {
@@ -101,9 +91,10 @@ const QVector<Field> &fields()
                     primary = item.section('(', 1).section(')', 0, 0).split(',');
             for (const QString &item : items) {
                 const QStringList w = item.section(" = ", 0, 0).split(' ');
+                const int size = w[1].startsWith('T') ? w[1].mid(1).toInt() : 0;
                 if (w[0] != "index" && w[0] != "fk")
-                    out << Field{table, w[0], w[1], w[1].startsWith('T') ? w[1].mid(1).toInt() : 0, w.contains("req"),
-                                 !w.contains("nz"), w.contains("auto"), primary.contains(w[0]), item.section(" = ", 1)};
+                    out << Field{table, w[0], w[1], size ? QString("TEXT(%1)").arg(size) : types.value(w[1][0]), item.section(" = ", 1),
+                                 size, w.contains("req") || primary.contains(w[0]), !w.contains("nz"), w.contains("auto")};
             }
         }
         return out;
@@ -111,50 +102,38 @@ const QVector<Field> &fields()
     return all;
 }
 
-QString declaredType(const Field &f)
-{
-    static const QMap<QString, QString> types = {{"I", "SMALLINT"}, {"L", "INTEGER"}, {"B", "BOOLEAN"},
-                                                 {"D", "REAL"},     {"DT", "REAL"},   {"M", "TEXT"}};
-    return f.size ? QStringLiteral("TEXT(%1)").arg(f.size) : types.value(f.type);
-}
-
 // Adds a row holding `value` in the field (and what else the table needs)
 // and takes it back. Returns 0, the failure number, or -1 if the row is not
 // found again by the field equal to `findAs`.
-int probe(Database &db, const Field &field, const QVariant &value, const QVariant &findAs = {})
+static int probe(Database &db, const Field &field, const QVariant &value, const QVariant &findAs = {})
 {
     QVariantMap row;
     for (const Field &f : fields())
-        if (f.table == field.table && f.notNull() && f.defaultValue.isEmpty())
+        if (f.table == field.table && f.notNull && f.defaultValue.isEmpty())
             row.insert(f.name, f.size ? QVariant("x") : QVariant(1));
     row.insert(field.name, value);
     qint64 found = 1;
-    db.execute("SAVEPOINT probe");
+    db.beginTrans();
     const int failure = failureOf([&] {
         const qint64 id = db.addRow(field.table, row);
         if (findAs.isValid())
-            found = db.scalar(QStringLiteral("SELECT count(*) FROM %1 WHERE rowid = ? AND %2 = ?")
-                                  .arg(Database::quoteIdentifier(field.table), Database::quoteIdentifier(field.name)),
-                              {id, findAs}).toLongLong();
+            found = db.scalar("SELECT count(*) FROM " + field.table + " WHERE rowid = ? AND " + field.name + " = ?", {id, findAs})
+                        .toLongLong();
     });
-    db.execute("ROLLBACK TO probe");
-    db.execute("RELEASE probe");
+    db.rollback();
     return failure ? failure : found == 1 ? 0 : -1;
 }
-
-}  // namespace
 
 class TestSchema : public QObject {
     Q_OBJECT
 
-    std::unique_ptr<TestSupport::Site> m_site;
+    TestSupport::Site m_site;
     Database m_empty;  // structure only, relations off: each probe looks at one table
 
 private slots:
     void initTestCase()
     {
-        m_site = std::make_unique<TestSupport::Site>();
-        m_empty = Database::create(m_site->local("empty.mdb"));
+        m_empty = Database::create(m_site.local("empty.mdb"));
         createStructure(m_empty);
         m_empty.execute("PRAGMA foreign_keys = OFF");
     }
@@ -174,14 +153,13 @@ private slots:
         QStringList expected;
         for (const Field &f : fields())
             if (f.table == table)
-                expected << QStringLiteral("%1 %2 %3").arg(f.name, declaredType(f)).arg(int(f.notNull())) +
+                expected << QStringLiteral("%1 %2 %3").arg(f.name, f.declared).arg(int(f.notNull)) +
                                 (f.defaultValue.isEmpty() ? QString() : " = " + f.defaultValue);
-        for (QString item : items) {
-            if (item.startsWith("index "))  // a primary index is a unique one of NOT NULL fields
+        for (QString item : items)  // a primary index is a unique one of NOT NULL fields
+            if (item.startsWith("index "))
                 expected << item.replace(" primary", " unique").insert(6, table + '.');
             else if (item.startsWith("fk "))
                 expected << item + " on update CASCADE on delete CASCADE";
-        }
         const QStringList actual =
             column(m_empty, "SELECT name || ' ' || type || ' ' || \"notnull\" || ifnull(' = ' || dflt_value, '') "
                             "FROM pragma_table_info(?) ORDER BY cid", {table}) +
@@ -206,7 +184,7 @@ private slots:
         QFETCH(int, i);
         const Field f = fields().at(i);
         const auto accepts = [&](const QVariant &v) { return probe(m_empty, f, v) == 0; };
-        QCOMPARE(accepts(QVariant()), !f.notNull());
+        QCOMPARE(accepts(QVariant()), !f.notNull);
         if (f.size) {
             QVERIFY(accepts(QString(f.size, 'x')));
             QVERIFY(!accepts(QString(f.size + 1, 'x')));
@@ -223,9 +201,8 @@ private slots:
             {"L", {{2147483647, true}, {qint64(-2147483648LL), true}, {qint64(2147483648LL), false},
                    {qint64(-2147483649LL), false}, {"twelve", false}}},
             {"B", {{0, true}, {1, true}, {true, true}, {2, false}, {-1, false}, {"yes", false}}},
-            {"D", {{2.5, true}, {-45000.25, true}}},
-            {"DT", {{2.5, true}, {-45000.25, true}}}};
-        for (const auto &[value, accepted] : numbers.value(f.type))
+            {"D", {{2.5, true}, {-45000.25, true}}}};
+        for (const auto &[value, accepted] : numbers.value(f.type == "DT" ? "D" : f.type))
             if (!f.autoIncrement || value.toLongLong() >= 1)  // a message's row id is never below 1
                 QVERIFY2(accepts(value) == accepted, qPrintable(value.toString()));
     }
@@ -234,30 +211,27 @@ private slots:
     // deletes reach every row that names the user or group.
     void relationsCarryRenamesAndDeletes()
     {
-        QCOMPARE(CreateDatabase(m_site->local("board.mdb")), 0);
-        Database db = Database::open(m_site->local("board.mdb"));
+        QCOMPARE(CreateDatabase(m_site.local("board.mdb")), 0);
+        Database db = Database::open(m_site.local("board.mdb"));
         db.addRow("GroupTable", {{"GroupName", "Sales"}});
         db.addRow("EmployeeTable", {{"Name", "Ann"}, {"UID", "Ann"}});
         db.addRow("EmployeeSettingsTable", {{"Name", "Ann"}, {"DefaultGroup", "Sales"}});
         db.addRow("EmployeeGroupTable", {{"EmployeeName", "Ann"}, {"GroupName", "Sales"}});
-        db.addRow("EmployeeStatusTracking", {{"Tracker", "Ann"}, {"Trackee", "Guest"}});
-        db.addRow("EmployeeStatusTracking", {{"Tracker", "Guest"}, {"Trackee", "Ann"}});
-        const auto held = [&] {  // memberships | settings | tracking
-            return QStringList({column(db, "SELECT EmployeeName || '/' || GroupName FROM EmployeeGroupTable ORDER BY 1").join(", "),
-                                column(db, "SELECT Name || '/' || DefaultGroup FROM EmployeeSettingsTable ORDER BY 1").join(", "),
-                                column(db, "SELECT Tracker || '>' || Trackee FROM EmployeeStatusTracking ORDER BY 1").join(", ")})
-                .join(" | ");
+        db.addRow("EmployeeGroupTable", {{"EmployeeName", "Guest"}, {"GroupName", "Sales"}});
+        const auto held = [&] {  // memberships "/" and settings ":"
+            return column(db, "SELECT EmployeeName || '/' || GroupName FROM EmployeeGroupTable UNION ALL "
+                              "SELECT Name || ':' || DefaultGroup FROM EmployeeSettingsTable ORDER BY 1").join(", ");
         };
         db.execute("UPDATE EmployeeTable SET Name = ? WHERE Name = ?", {"Anna", "Ann"});
-        QCOMPARE(held(), QString("Anna/Sales | Anna/Sales, Guest/Everyone | Anna>Guest, Guest>Anna"));
-        db.execute("DELETE FROM GroupTable WHERE GroupName = ?", {"Sales"});  // a default group is a relation too
-        QCOMPARE(held(), QString(" | Guest/Everyone | Anna>Guest, Guest>Anna"));
+        QCOMPARE(held(), QString("Anna/Sales, Anna:Sales, Guest/Sales, Guest:Everyone"));
         db.execute("DELETE FROM EmployeeTable WHERE Name = ?", {"anna"});
-        QCOMPARE(held(), QString(" | Guest/Everyone | "));
+        QCOMPARE(held(), QString("Guest/Sales, Guest:Everyone"));
+        db.execute("DELETE FROM GroupTable WHERE GroupName = ?", {"Sales"});
+        QCOMPARE(held(), QString("Guest:Everyone"));
     }
 
     // The rules hold for any program: the sqlite3 shell writes the file with
-    // none of our code loaded.
+    // none of our code loaded. Last here: its accepted row stays in the file.
     void storeEnforcesForOtherPrograms_data()
     {
         QTest::addColumn<QString>("sql");
@@ -278,19 +252,11 @@ private slots:
     {
         QFETCH(QString, sql);
         QFETCH(QString, refusal);
-        const QString file = m_site->local(QString("shell %1.mdb").arg(QTest::currentDataTag()));
-        QVERIFY(QFile::copy(m_site->local("empty.mdb"), file));
-        QString printed;
-        {
-            TestSupport::ExternalHolder shell(file, TestSupport::ExternalHolder::Hold::None);
-            QVERIFY(shell.started());
-            printed = shell.run(sql);
-        }
+        TestSupport::ExternalHolder shell(m_site.local("empty.mdb"), TestSupport::ExternalHolder::Hold::None);
+        QVERIFY(shell.started());
+        const QString printed = shell.run(sql);
         QVERIFY2(refusal.isEmpty() ? printed.isEmpty() : printed.contains(refusal), qPrintable(printed));
-        Database db = Database::open(file);
-        QCOMPARE(db.scalar("SELECT (SELECT count(*) FROM EmployeeTable) + (SELECT count(*) FROM StatusCounterTable) + "
-                           "(SELECT count(*) FROM GroupTable) + (SELECT count(*) FROM EmployeeGroupTable)").toInt(),
-                 refusal.isEmpty() ? 1 : 0);
+        QCOMPARE(shell.run("SELECT total_changes();"), QString(refusal.isEmpty() ? "1" : "0"));  // a refusal leaves nothing
     }
 };
 
