@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QMap>
 #include <QString>
 #include <QVariant>
 #include <QVector>
@@ -10,28 +9,24 @@
 // SQLite library, so that the code under test checks nothing itself.
 namespace RepairFixtures {
 
-struct BoardShape {
-    int users = 2000;
-    int activeEvery = 7;  // every n-th user is "Yes", the rest "No"
-    bool guest = true;    // keep the seed row "Guest"
-};
+inline const QString Live = QStringLiteral("tavello.mdb");
+// What a repair does to the active flags, for the data expected of it.
+inline const QString ResetFlags = QStringLiteral("UPDATE EmployeeTable SET ActiveFlag = 'No' WHERE ActiveFlag = 'Yes'");
 
-// A new board (CreateDatabase) with users whose comments fill the pages;
-// runs of them are deleted again, leaving free pages to compact away.
-void makeBoard(const QString &local, const BoardShape &shape);
+// A new board (CreateDatabase) with users whose comments fill the pages, every
+// n-th of them active; runs of them are deleted again, leaving free pages.
+void makeBoard(const QString &local, int users = 2000, int activeEvery = 7);
 // The first value of the first row, or "error: " and SQLite's text.
 QVariant scalar(const QString &local, const QString &sql, const QVariantList &args = {});
-QString integrity(const QString &local);
+inline QString integrity(const QString &local) { return scalar(local, "PRAGMA integrity_check").toString(); }
 
 QByteArray bytesOf(const QString &local);
 bool writeBytes(const QString &local, const QByteArray &bytes);
 quint64 inodeOf(const QString &local);
 
-// Every row of every table, equal for two files holding the same data
-// whatever their page layout; `resetFlags` reads every active flag as "No".
-QString fingerprint(const QString &local, bool resetFlags = false);
-// EmployeeTable as Name -> the row's values.
-QMap<QString, QString> employeeRows(const QString &local, bool resetFlags = false);
+// The schema and every row of every table, equal for two files holding the
+// same data whatever their page layout.
+QString fingerprint(const QString &local);
 
 // The leaf pages of one b-tree in key order, by SQLite's page statistics;
 // for a table with the row ids each one holds.

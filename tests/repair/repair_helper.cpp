@@ -1,12 +1,13 @@
 // A second program for the repair tests, run as a real process:
 //
-//   repair_helper compact <folder>   subCompactDatabase on <folder>/tavello.mdb
+//   repair_helper compact <file>     subCompactDatabase on <file>'s folder
 //   repair_helper create <file>      CreateDatabase
 //   repair_helper writer <file> <ms> another board program adding rows for <ms>
 //
-// The first two are killed at chosen moments by the tests. The writer uses
-// the bare SQLite library, as the user programs do, and prints
-// "committed <name>" once each row's transaction is on the file.
+// The first two print "started", exit 0 on success and are killed at chosen
+// moments by the tests. The writer uses the bare SQLite library, as the user
+// programs do, and prints "committed <name>" once each row's transaction is
+// on the file.
 #include "core/Global.h"
 #include "platform/MessageBox.h"
 #include "store/CreateDB.h"
@@ -14,13 +15,12 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QThread>
 
 #include <sqlite3.h>
 
 #include <cstdio>
-#include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -31,30 +31,23 @@ int writer(const char *file, int milliseconds)
     sqlite3_open_v2(file, &db, SQLITE_OPEN_READWRITE, nullptr);
     // Long waits are the user programs' way; what still fails is tried again.
     sqlite3_busy_timeout(db, 20000);
-    if (sqlite3_prepare_v2(db, "INSERT INTO EmployeeTable(Name, Status, UID) VALUES (?1, 'In', ?1)", -1, &insert,
-                           nullptr) != SQLITE_OK) {
-        std::printf("error %s\n", sqlite3_errmsg(db));
-        return 2;
-    }
+    sqlite3_prepare_v2(db, "INSERT INTO EmployeeTable(Name, Status, UID) VALUES (?1, 'In', ?1)", -1, &insert, nullptr);
     QElapsedTimer clock;
     clock.start();
     for (int n = 0; clock.elapsed() < milliseconds;) {
-        const std::string name = "Writer " + std::to_string(::getpid()) + " row " + std::to_string(n);
-        sqlite3_bind_text(insert, 1, name.c_str(), -1, SQLITE_TRANSIENT);
+        const QByteArray name = "Writer row " + QByteArray::number(n);
+        sqlite3_bind_text(insert, 1, name.constData(), -1, SQLITE_TRANSIENT);
         const int rc = sqlite3_step(insert) & 0xff;
         sqlite3_reset(insert);
         if (rc == SQLITE_DONE) {
-            std::printf("committed %s\n", name.c_str());
+            std::printf("committed %s\n", name.constData());
             ++n;
         } else if (rc != SQLITE_BUSY && rc != SQLITE_LOCKED) {
             std::printf("error %d %s\n", rc, sqlite3_errmsg(db));
             return 3;
         }
-        std::fflush(stdout);
         QThread::usleep(3000);  // a busy board: a few hundred changes a second
     }
-    sqlite3_finalize(insert);
-    sqlite3_close(db);
     return 0;
 }
 
@@ -63,25 +56,19 @@ int writer(const char *file, int milliseconds)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    if (argc < 3)
-        return 1;
-    const std::string mode = argv[1];
-    Msg::setScripted(true);
-    gstrAppTitle = appTitleFor(gstrReleaseVersion);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);  // each line out as soon as it is printed
+    const QByteArray mode = argc > 2 ? argv[1] : "";
     if (mode == "writer")
         return writer(argv[2], argc > 3 ? std::atoi(argv[3]) : 1000);
-    if (mode == "create") {
-        std::printf("created %d\n", CreateDatabase(QString::fromLocal8Bit(argv[2])));
-        return 0;
-    }
+    const QString file = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
+    Msg::setScripted(true);
+    std::printf("started\n");
+    if (mode == "create")
+        return CreateDatabase(file) == 0 ? 0 : 2;
     if (mode != "compact")
         return 1;
-    gstrDataPath = QString::fromLocal8Bit(argv[2]) + QLatin1Char('/');
-    gstrDatabaseFile = gstrDataPath + QStringLiteral("tavello.mdb");
-    std::printf("started\n");
-    std::fflush(stdout);
+    gstrDataPath = QFileInfo(file).absolutePath() + QLatin1Char('/');
     subCompactDatabase();
-    std::printf("repair-done %d\n", gbolRepairDone ? 1 : 0);
     gdbMain.close();
-    return 0;
+    return gbolRepairDone ? 0 : 2;
 }
