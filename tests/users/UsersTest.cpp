@@ -6,6 +6,7 @@
 #include <QRadioButton>
 #include <QRegularExpression>
 
+#include <optional>
 #include <sqlite3.h>
 
 namespace UsersTest {
@@ -18,66 +19,83 @@ QString shownValue(const QWidget *d, const QString &name)
         return t->text();
     if (auto *c = d->findChild<QComboBox *>(name))
         return c->currentText();
-    const auto options = d->findChildren<QRadioButton *>(QRegularExpression('^' + name + "_\\d$"));
-    if (options.isEmpty())
-        qFatal("control %s missing", qPrintable(name));
-    QString chosen;
-    for (QRadioButton *r : options)
+    for (QRadioButton *r : d->findChildren<QRadioButton *>(QRegularExpression('^' + name + "_\\d$")))
         if (r->isChecked())
-            chosen += r->objectName().right(1);
-    return chosen;
+            return r->objectName().right(1);
+    return "none";  // no choice made, or no such control
 }
 
 void setValue(QWidget *d, const QString &name, const QString &value)
 {
-    if (auto *c = d->findChild<QCheckBox *>(name))
-        c->setChecked(value == "1");
-    else if (auto *c = d->findChild<QComboBox *>(name))
+    if (auto *c = d->findChild<QComboBox *>(name))
         c->setEditText(value);
-    else if (auto *t = d->findChild<QLineEdit *>(name))
-        t->setText(value);
     else
-        control<QRadioButton>(d, name + '_' + value)->setChecked(true);
+        control<QLineEdit>(d, name)->setText(value);
 }
 
 QStringList boxes()
 {
     QStringList out;
     for (const Msg::Shown &s : Msg::transcript())
-        out << s.title + '|' + s.text;
+        out << s.title + '|' + s.text.section("\r\n\r\n", 0, 0);
     return out;
 }
 
 void addUsers(Database &db, const QStringList &namesAndIds)
 {
     for (const QString &pair : namesAndIds) {
-        const QString name = pair.section('=', 0, 0);
-        db.execute("INSERT INTO EmployeeTable (Name, UID) VALUES (?, ?)", {name, pair.section('=', 1)});
-        db.execute("INSERT INTO EmployeeSettingsTable (Name) VALUES (?)", {name});
+        db.execute("INSERT INTO EmployeeTable (Name, UID) VALUES (?, ?)", {pair.section('=', 0, 0), pair.section('=', 1)});
+        db.execute("INSERT INTO EmployeeSettingsTable (Name) VALUES (?)", {pair.section('=', 0, 0)});
     }
 }
 
-long long counter(Database &db)
+long long counter(Database &db) { return db.scalar("SELECT Counter FROM StatusCounterTable").toLongLong(); }
+
+QString rows(Database &db, const QString &sql, const QVariantList &params)
 {
-    return db.scalar("SELECT Counter FROM StatusCounterTable").toLongLong();
+    QStringList out;
+    for (Recordset rs = db.query(sql, params); !rs.eof(); rs.moveNext()) {
+        QStringList fields;
+        for (int i = 0; i < rs.fieldCount(); ++i)
+            fields << (rs.value(i).isNull() ? QString("<null>") : rs.value(i).toString());
+        out << fields.join('|');
+    }
+    return out.join('\n');
 }
 
-std::shared_ptr<void> onEachStatement(Database &db, std::function<void(const QString &)> hook)
+QMap<QString, QString> record(Database &db, const QString &sql, const QVariantList &params)
 {
-    using Hook = std::function<void(const QString &)>;
-    auto trace = [](unsigned, void *context, void *, void *text) {
+    QMap<QString, QString> out;
+    Recordset rs = db.query(sql, params);
+    for (int i = 0; !rs.eof() && i < rs.fieldCount(); ++i)
+        out.insert(rs.fieldNames()[i], rs.value(i).isNull() ? QString("<null>") : rs.value(i).toString());
+    return out;
+}
+
+void whileHeld(const ConsoleTest::Console &c, const QString &hold, const std::function<void()> &action, int nth)
+{
+    std::optional<TestSupport::ExternalHolder> holder;
+    int begins = 0, commits = 0;
+    // Called as each statement starts, before it runs: the moment another
+    // program may act between two steps.
+    std::function<void(const QString &)> onStatement = [&](const QString &sql) {
+        begins += sql.startsWith("BEGIN");
+        commits += sql.startsWith("COMMIT");
+        if ((hold == "lock" || hold == "reader") && sql.startsWith("BEGIN") && begins == nth)
+            holder.emplace(c.databaseFile(), hold == "lock" ? TestSupport::ExternalHolder::Hold::Write
+                                                            : TestSupport::ExternalHolder::Hold::Read);
+        else if (begins > nth || commits > nth)
+            holder.reset();
+    };
+    auto trace = [](unsigned, void *hook, void *, void *text) {
         const QString sql = QString::fromUtf8(static_cast<const char *>(text));
         if (!sql.startsWith("--"))  // statements run by triggers arrive as comments
-            (*static_cast<Hook *>(context))(sql);
+            (*static_cast<decltype(onStatement) *>(hook))(sql);
         return 0;
     };
-    auto *h = new Hook(std::move(hook));
-    sqlite3_trace_v2(db.handle(), SQLITE_TRACE_STMT, trace, h);
-    return std::shared_ptr<void>(h, [&db](void *p) {
-        if (sqlite3 *handle = db.handle())
-            sqlite3_trace_v2(handle, 0, nullptr, nullptr);
-        delete static_cast<Hook *>(p);
-    });
+    sqlite3_trace_v2(gdbMain.handle(), SQLITE_TRACE_STMT, trace, &onStatement);
+    action();
+    sqlite3_trace_v2(gdbMain.handle(), 0, nullptr, nullptr);
 }
 
 }  // namespace UsersTest

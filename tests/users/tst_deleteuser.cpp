@@ -7,15 +7,11 @@
 #include "platform/Modal.h"
 #include "users/frmDeleteUser.h"
 
-#include <QItemSelectionModel>
 #include <QListWidget>
 #include <QPushButton>
 
-#include <optional>
-
 using namespace ConsoleTest;
 using namespace UsersTest;
-using Hold = TestSupport::ExternalHolder::Hold;
 
 namespace {
 
@@ -31,41 +27,34 @@ void seedBoard(Database &db)
                "(?, ?, ?)", {"Cleo", "Guest", "In", "Guest", "Cleo", "Out", "Dan", "Bob", "In"});
 }
 
-// Rows that still mention a user anywhere.
-int traces(Database &db, const QString &name)
+// Every row that still mentions a user.
+QString traces(Database &db, const QString &name)
 {
-    return db.scalar("SELECT (SELECT count(*) FROM EmployeeTable WHERE Name = ?) + "
-                     "(SELECT count(*) FROM EmployeeSettingsTable WHERE Name = ?) + "
-                     "(SELECT count(*) FROM EmployeeGroupTable WHERE EmployeeName = ?) + "
-                     "(SELECT count(*) FROM EmployeeStatusTracking WHERE Tracker = ? OR Trackee = ?)",
-                     {name, name, name, name, name}).toInt();
+    return rows(db, "SELECT Name, UID FROM EmployeeTable WHERE Name = ? UNION ALL "
+                    "SELECT Name, Phone FROM EmployeeSettingsTable WHERE Name = ? UNION ALL "
+                    "SELECT GroupName, GroupManager FROM EmployeeGroupTable WHERE EmployeeName = ? UNION ALL "
+                    "SELECT Tracker, Trackee FROM EmployeeStatusTracking WHERE ? IN (Tracker, Trackee)",
+                {name, name, name, name});
 }
 
-QStringList names(Database &db)
-{
-    return db.scalar("SELECT group_concat(Name, '|') FROM (SELECT Name FROM EmployeeTable ORDER BY Name)")
-        .toString().split('|');
-}
+QStringList names(Database &db) { return rows(db, "SELECT Name FROM EmployeeTable ORDER BY Name").split('\n'); }
 
-// Opens the dialog from the console on the rows of `selected` (when given),
-// notes what it lists and presses `button`.
-QStringList deleteWith(Console &c, int button, const QStringList *selected = nullptr,
-                       const std::function<void()> &meanwhile = {})
+// Selects the rows of `selected` with the mouse (a click, then Ctrl+clicks),
+// opens the dialog from the console, notes what it lists and presses
+// `button`, while another program deletes `vanishing`.
+QStringList deleteWith(Console &c, const QStringList &selected, int button, const QString &vanishing)
 {
-    if (selected) {
-        c.clickNode("Users");
-        c.list()->clearSelection();
-        for (const QString &n : *selected)
-            c.list()->selectionModel()->select(c.rows()->index(c.rowOf(n), 0),
-                                               QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    }
+    c.clickNode("Users");
+    c.list()->clearSelection();
+    for (int i = 0; i < selected.size(); ++i)
+        c.clickRow(c.rowOf(selected[i]), Qt::LeftButton, i ? Qt::ControlModifier : Qt::NoModifier);
     QStringList listed;
     Modal::setHandler([&](QDialog *d) {
         auto *list = control<QListWidget>(d, "lstDeleteUser");
         for (int i = 0; i < list->count(); ++i)
             listed << list->item(i)->text();
-        if (meanwhile)
-            meanwhile();
+        if (!vanishing.isEmpty())
+            c.other().execute("DELETE FROM EmployeeTable WHERE Name = ?", {vanishing});
         QTest::mouseClick(control<QPushButton>(d, QString("cmdButtons_%1").arg(button)), Qt::LeftButton);
     });
     c.w().DeleteDispatcher("Users");
@@ -79,105 +68,59 @@ class TestDeleteUser : public QObject {
     Q_OBJECT
 
 private slots:
+    // Each name goes in a transaction of its own. Another program may delete
+    // one while the dialog is open, or take the file just as the third
+    // begins and let go as the next step starts after the answer: the first
+    // two stay gone, Retry deletes her, Cancel rolls hers back.
     void deletesWhatIsSelected_data()
     {
         QTest::addColumn<QStringList>("selected");
+        QTest::addColumn<int>("button");
         QTest::addColumn<QString>("vanishing");  // deleted by another program while the dialog is open
+        QTest::addColumn<QString>("hold");       // taken by another program as the third begins
+        QTest::addColumn<bool>("retry");         // the answer to the box that follows
         QTest::addColumn<QString>("shown");      // text of the box shown
-        QTest::newRow("a tracker and his trackee") << QStringList{"Bob", "Cleo", "Dan"} << "" << "";
-        QTest::newRow("quotes, brackets, wildcards") << QStringList{Odd} << "" << "";
-        QTest::newRow("one deleted meanwhile") << QStringList{"Bob", "Dan"} << "Bob" << "";
-        QTest::newRow("nothing selected") << QStringList{} << "" << "No item selected to delete";
+        const QStringList four{"Ann", "Bob", "Cleo", "Dan"};
+        const QString error = "An error occured while trying to delete the user ''Cleo''.";
+        QTest::newRow("a tracker and his trackee") << QStringList{"Bob", "Cleo", "Dan"} << 0 << "" << "" << false << "";
+        QTest::newRow("quotes, brackets, wildcards") << QStringList{Odd} << 0 << "" << "" << false << "";
+        QTest::newRow("one deleted meanwhile") << QStringList{"Bob", "Dan"} << 0 << "Bob" << "" << false << "";
+        QTest::newRow("Cancel deletes nothing") << QStringList{"Ann", "Guest"} << 1 << "" << "" << false << "";
+        QTest::newRow("nothing selected") << QStringList{} << 0 << "" << "" << false << "No item selected to delete";
+        QTest::newRow("write lock at the start, Retry") << four << 0 << "" << "lock" << true << error;
+        QTest::newRow("write lock at the start, Cancel") << four << 0 << "" << "lock" << false << error;
+        QTest::newRow("reader at commit, Retry") << four << 0 << "" << "reader" << true << error;
+        QTest::newRow("reader at commit, Cancel rolls back") << four << 0 << "" << "reader" << false << error;
     }
     void deletesWhatIsSelected()
     {
         QFETCH(QStringList, selected);
+        QFETCH(int, button);
         QFETCH(QString, vanishing);
+        QFETCH(QString, hold);
+        QFETCH(bool, retry);
         QFETCH(QString, shown);
         Console c(seedBoard);
         Database other = c.other();
         const long long before = counter(other);
         QStringList kept = names(other);
-        QCOMPARE(deleteWith(c, 0, &selected, [&] {
-            if (!vanishing.isEmpty())
-                other.execute("DELETE FROM EmployeeTable WHERE Name = ?", {vanishing});
-        }), selected);
+        const QString cleo = traces(other, "Cleo");
+        Msg::queueAnswers({retry ? Msg::Retry : Msg::Cancel});
+        whileHeld(c, hold, [&] { QCOMPARE(deleteWith(c, selected, button, vanishing), selected); }, 3);
         QCOMPARE(boxes(), shown.isEmpty() ? QStringList() : QStringList{Msg::defaultTitle() + '|' + shown});
-        for (const QString &name : selected) {
-            QVERIFY2(traces(other, name) == 0, qPrintable(name));
+        QVERIFY(hold.isEmpty() || Msg::transcript()[0].buttons == Msg::Buttons::RetryCancel);
+        QStringList gone = button ? QStringList() : selected;
+        if (!hold.isEmpty() && !retry) {
+            QCOMPARE(traces(other, "Cleo"), cleo);  // all of hers back, her manager flag too
+            gone.removeOne("Cleo");
+        }
+        for (const QString &name : gone) {
+            QVERIFY2(traces(other, name).isEmpty(), qPrintable(name));
             kept.removeOne(name);
         }
         QCOMPARE(names(other), kept);
         QCOMPARE(other.scalar("SELECT count(*) FROM EmployeeSettingsTable").toInt(), kept.size());
-        QCOMPARE(counter(other), before + !selected.isEmpty());
-        QVERIFY(!gdbMain.inTransaction());
-    }
-
-    // Rows picked as a person does: Ctrl+click adds or drops one, Shift+click
-    // takes the run between. Cancel deletes nothing.
-    void picksSeveralRowsWithTheMouse()
-    {
-        Console c(seedBoard);
-        Database other = c.other();
-        const QStringList all = names(other);
-        const long long before = counter(other);
-        c.clickNode("Users");
-        c.clickRow(c.rowOf("Ann"));
-        for (const char *n : {"Cleo", "Guest", "Cleo"})
-            c.clickRow(c.rowOf(n), Qt::LeftButton, Qt::ControlModifier);
-        QCOMPARE(deleteWith(c, 1), (QStringList{"Ann", "Guest"}));
-        c.clickRow(c.rowOf("Bob"));
-        c.clickRow(c.rowOf("Dan"), Qt::LeftButton, Qt::ShiftModifier);
-        QCOMPARE(deleteWith(c, 1), (QStringList{"Bob", "Cleo", "Dan"}));
-        QCOMPARE(names(other), all);
-        QCOMPARE(counter(other), before);
-    }
-
-    // Four users go; another program takes the file just as the third
-    // begins, and lets go before the next statement after the answer.
-    void thirdHeldByAnotherProgram_data()
-    {
-        QTest::addColumn<int>("hold");
-        QTest::addColumn<bool>("retry");
-        QTest::newRow("write lock at the start, Retry") << int(Hold::Write) << true;
-        QTest::newRow("write lock at the start, Cancel") << int(Hold::Write) << false;
-        QTest::newRow("reader at commit, Retry") << int(Hold::Read) << true;
-        QTest::newRow("reader at commit, Cancel rolls back") << int(Hold::Read) << false;
-    }
-    void thirdHeldByAnotherProgram()
-    {
-        QFETCH(int, hold);
-        QFETCH(bool, retry);
-        Console c(seedBoard);
-        Database other = c.other();
-        const long long before = counter(other);
-        const int cleoTraces = traces(other, "Cleo");
-        const QStringList four{"Ann", "Bob", "Cleo", "Dan"};
-        std::optional<TestSupport::ExternalHolder> holder;
-        int begins = 0, commits = 0, goneWhenHeld = -1;
-        Msg::queueAnswers({retry ? Msg::Retry : Msg::Cancel});
-        const auto hook = onEachStatement(gdbMain, [&](const QString &sql) {
-            begins += sql.startsWith("BEGIN");
-            commits += sql.startsWith("COMMIT");
-            if (sql.startsWith("BEGIN") && begins == 3) {
-                goneWhenHeld = traces(other, "Ann") + traces(other, "Bob");
-                holder.emplace(c.databaseFile(), Hold(hold));
-                QVERIFY(holder->started());
-            } else if (begins > 3 || commits > 3) {
-                holder.reset();
-            }
-        });
-        deleteWith(c, 0, &four);
-        holder.reset();
-        QCOMPARE(goneWhenHeld, 0);  // the first two were already gone
-        QCOMPARE(boxes(), QStringList{Msg::defaultTitle() + "|An error occured while trying to delete the user ''Cleo''."});
-        QCOMPARE(Msg::transcript()[0].buttons, Msg::Buttons::RetryCancel);
-        QCOMPARE(traces(other, "Ann") + traces(other, "Bob") + traces(other, "Dan"), 0);
-        QCOMPARE(traces(other, "Cleo"), retry ? 0 : cleoTraces);
-        if (!retry)  // her manager flag is back too
-            QCOMPARE(other.scalar("SELECT GroupManager FROM EmployeeGroupTable WHERE EmployeeName = ? AND GroupName = ?",
-                                  {"Cleo", "Sales"}).toInt(), 1);
-        QCOMPARE(counter(other), before + 1);
+        QCOMPARE(counter(other), before + !gone.isEmpty());
         QVERIFY(!gdbMain.inTransaction());
     }
 };
