@@ -3,7 +3,16 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "messages/frmDeleteMessages.h"
+#include "messages/frmMsgsPreview.h"
 #include "platform/Modal.h"
+#include "settings/UpdateCheck.h"
+#include "settings/frmAutoCheckForUpdates.h"
+#include "settings/frmCompany.h"
+#include "settings/frmForceShutdown.h"
+#include "settings/frmGlobalSettings.h"
+#include "settings/frmPhotoPath.h"
+#include "settings/frmSecurity.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
 #include "users/frmDeleteUser.h"
@@ -98,6 +107,15 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmDeleteMessages"), make<frmDeleteMessages>);
+    add(QStringLiteral("frmMsgsPreview"), make<frmMsgsPreview>);
+    add(QStringLiteral("frmGlobalSettings"), make<frmGlobalSettings>);
+    add(QStringLiteral("frmSecurity"), make<frmSecurity>);
+    add(QStringLiteral("frmForceShutdown"), make<frmForceShutdown>);
+    add(QStringLiteral("frmCompany"), make<frmCompany>);
+    add(QStringLiteral("frmPhotoPath"), make<frmPhotoPath>);
+    add(QStringLiteral("frmAutoCheckForUpdates"), make<frmAutoCheckForUpdates>);
+    addCommand(QStringLiteral("CheckForUpdates"), [] { UpdateCheck::mnuCheckForUpdates_Click(); });
 }
 
 QString dialogFor(Verb verb, const QString &kind)

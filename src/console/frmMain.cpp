@@ -409,6 +409,7 @@ void frmMain::wireCommands()
         connect(menuItem(item), &QAction::triggered, this, [this, window] { openWindow(window); });
     }
     connect(ui->mnuCheckForUpdates, &QAction::triggered, this, [this] { mnuCheckForUpdates_Click(); });
+    connect(ui->mnuPreviewMessages, &QAction::triggered, this, [this] { openMessagesPreview(); });
     connect(ui->mnuResetActiveFlags, &QAction::triggered, this, [this] { guarded([&] { mnuResetActiveFlags_Click(); }); });
     connect(ui->mnuHelpContents, &QAction::triggered, this, [this] {
         Help::showFor(this);
@@ -1021,6 +1022,7 @@ void frmMain::TreeViewMain_MouseUp(Qt::MouseButton button)
         SubSetMenusAndToolBarButtons();
         return;
     }
+    setPreviewEntry();
     if (button == Qt::RightButton)
         showEditPopup();
 }
@@ -1034,6 +1036,7 @@ void frmMain::SubSetMenusAndToolBarButtons()
     QAction *add = toolbarButton(2), *modify = toolbarButton(3), *remove = toolbarButton(4);
     for (QAction *a : {add, modify, remove, mnuEditSub(0), mnuEditSub(1), mnuEditSub(2)})
         setVerbEnabled(a, false);
+    setPreviewEntry();
     AdminListView *lv = ui->ListViewMain;
     const int n = lv->selectedCount();
     const QString kind = selectedNodeText();
@@ -1199,8 +1202,27 @@ void frmMain::ListViewMain_DblClick()
     if (ui->ListViewMain->selectedCount() == 0)
         return;
     Hourglass::set(11);
-    ModifyDispatcher(selectedNodeText());
+    if (selectedNodeText() == Messages)
+        openMessagesPreview();
+    else
+        ModifyDispatcher(selectedNodeText());
     Hourglass::set(0);
+}
+
+void frmMain::openMessagesPreview()
+{
+    // The recipient of the chosen message; the preview reads the row itself.
+    guarded([&] { DialogRegistry::showModal(QStringLiteral("frmMsgsPreview"), this); });
+    gRefreshListView(selectedNodeText());
+}
+
+void frmMain::setPreviewEntry()
+{
+    const bool messages = selectedNodeText() == Messages;
+    ui->mnuEditSep->setVisible(messages);
+    ui->mnuPreviewMessages->setVisible(messages);
+    ui->mnuPreviewMessages->setEnabled(messages && ui->ListViewMain->selectedCount() > 0 &&
+                                       DialogRegistry::available(QStringLiteral("frmMsgsPreview")));
 }
 
 void frmMain::ListViewMain_KeyDown(int key)
@@ -1260,6 +1282,7 @@ void frmMain::ListViewMain_MouseUp(Qt::MouseButton button)
         setVerbEnabled(modify, rows != 0);
         setVerbEnabled(remove, rows != 0);
     }
+    setPreviewEntry();
     if (button == Qt::RightButton)
         showEditPopup();
 }

@@ -135,6 +135,10 @@ private:
     void wireCommands();
     void columnRule();
     void showEditPopup();
+    // The Edit entry that opens the messages of the chosen message's
+    // recipient: shown on the Messages node only.
+    void setPreviewEntry();
+    void openMessagesPreview();
 
     // Enable state of a verb (toolbar Import/Add/Modify/Delete, the Edit
     // entries): the rule's wish, ANDed with the existence of its window.

@@ -25,9 +25,13 @@ Console::Console(const std::function<void(Database &)> &prepare)
     IniFile::writeKey(m_site.iniFile(), QStringLiteral("DataPath"), QStringLiteral("DataPath"), m_site.shareUnc());
     if (CreateDatabase(databaseFile()) != 0)
         qFatal("the test database could not be created");
-    if (prepare) {
+    {
         Database db = Database::open(databaseFile());
-        prepare(db);
+        // The check for a newer release at start is switched on by the
+        // tests about it.
+        db.execute(QStringLiteral("UPDATE AdminSettingsTable SET AutoCheckForUpdates = 0"));
+        if (prepare)
+            prepare(db);
     }
     m_window = std::make_unique<frmMain>();
     if (!m_window->load())

@@ -51,6 +51,9 @@ Site::Site()
     QDir(m_dir.path()).mkpath(QStringLiteral("share"));
     UncPath::setProgramFolder(programFolder());
     IniFile::writeKey(iniFile(), QStringLiteral("Shares"), QStringLiteral("\\\\TESTSRV\\SHARE"), shareFolder());
+    m_silentUpdateServer.listen(QHostAddress::LocalHost);
+    IniFile::writeKey(iniFile(), QStringLiteral("Update"), QStringLiteral("Server"),
+                      QStringLiteral("http://127.0.0.1:%1").arg(m_silentUpdateServer.serverPort()));
     gstrAppPath = UncPath::withTrailingSeparator(UncPath::toUnc(programFolder()));
     Msg::setScripted(true);
     Msg::clearTranscript();

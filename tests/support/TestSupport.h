@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QString>
+#include <QTcpServer>
 #include <QTemporaryDir>
 
 namespace TestSupport {
@@ -9,7 +10,8 @@ namespace TestSupport {
 // A throw-away site: a program folder and a share folder, the share mapped
 // as \\TESTSRV\SHARE in the [Shares] section of the program's tavello.ini.
 // Message boxes, file dialogs and modal dialogs are scripted while it lives;
-// the process-wide values start fresh.
+// the process-wide values start fresh. Its update server, on the loopback,
+// takes connections and never answers, so no test reaches the Internet.
 class Site {
 public:
     Site();
@@ -26,6 +28,7 @@ public:
 
 private:
     QTemporaryDir m_dir;
+    QTcpServer m_silentUpdateServer;
 };
 
 // Puts every process-wide value back to its value at program start.
