@@ -130,7 +130,7 @@ void frmMsgsPreview::setup()
 
     QTreeWidget *list = ui->listMsgsPreview;
     list->header()->setSectionResizeMode(QHeaderView::Interactive);
-    const int widths[] = {80, 110, 150, 220, 130, 110, 70};
+    const int widths[] = {70, 100, 130, 220, 145, 90, 70};
     for (int i = 0; i < 7; ++i)
         list->setColumnWidth(i, widths[i]);
     connect(list, &QTreeWidget::itemDoubleClicked, this, [this] { ToolbarMsgsPreview_ButtonClick(QStringLiteral("View")); });
