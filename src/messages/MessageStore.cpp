@@ -97,4 +97,13 @@ QVariantMap message(Database &db, const QString &id)
     return out;
 }
 
+QString fromText(const QVariantMap &m)
+{
+    const QString sender = m.value(QStringLiteral("SentFromName")).toString();
+    const QVariant typed = m.value(QStringLiteral("MessageFrom"));
+    if (typed.isNull() || typed.toString() == sender || sender.isEmpty())
+        return typed.isNull() ? sender : typed.toString();
+    return typed.toString() + QStringLiteral(" (sent by ") + sender + QLatin1Char(')');
+}
+
 }  // namespace Messages

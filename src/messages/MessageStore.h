@@ -42,5 +42,8 @@ void markDeleted(Database &db, const QStringList &ids, const QDateTime &now);
 
 // One message with every field, for the read-only view; empty when gone.
 QVariantMap message(Database &db, const QString &id);
+// Who a message of message() is from: the name typed by whoever took it,
+// with the sender behind it, or the sender alone.
+QString fromText(const QVariantMap &message);
 
 }  // namespace Messages

@@ -193,10 +193,8 @@ void frmMsgsPreview::setButtonStates()
         const QString key = a->data().toString();
         if (b.userProgram)
             a->setEnabled(false);
-        else if (key == QLatin1String("View") || key == QLatin1String("Delete"))
+        else if (key == QLatin1String("View") || key == QLatin1String("Delete") || key == QLatin1String("Print"))
             a->setEnabled(rows);
-        else if (key == QLatin1String("Print"))
-            a->setEnabled(false);  // the console has no printing of messages yet
         else
             a->setEnabled(true);
     }
@@ -221,6 +219,8 @@ void frmMsgsPreview::ToolbarMsgsPreview_ButtonClick(const QString &key)
             // The message form is the user program's; these buttons stay off.
         } else if (key == QLatin1String("Delete")) {
             deleteSelected();
+        } else if (key == QLatin1String("Print")) {
+            printSelected();
         } else if (key == QLatin1String("Refresh")) {
             try {
                 subLoad_MsgsPreview_ListView();
@@ -261,4 +261,47 @@ void frmMsgsPreview::deleteSelected()
     Messages::markDeleted(gdbMain, ids, QDateTime::currentDateTime());
     subCloseDatabase();
     subLoad_MsgsPreview_ListView();
+}
+
+ReportPrinter::Report frmMsgsPreview::messagesReport(const QString &person, const QStringList &ids)
+{
+    ReportPrinter::Report r;
+    r.caption = gstrAppTitle + QStringLiteral("Print Messages");
+    r.documentName = QStringLiteral("TAVELLO-MESSAGES");
+    r.title = QStringLiteral("TAVELLO Messages for ") + person + QLatin1Char('\n');
+    r.titleFont = QFont(r.titleFont.family(), 12, QFont::Bold);
+    r.bodyFont = ReportPrinter::fixedFont(10);  // the labels line up
+    r.lineCount = ids.size() * 8;
+    r.body = [ids](const ReportPrinter::LineSink &line) {
+        for (const QString &id : ids) {
+            const QVariantMap m = Messages::message(gdbMain, id);
+            if (m.isEmpty())
+                continue;
+            const auto field = [&m](const char *name) { return m.value(QLatin1String(name)).toString(); };
+            QStringList lines{
+                QStringLiteral("Message ") + id + QStringLiteral("    ") + field("Category"),
+                QStringLiteral("From:     ") + Messages::fromText(m),
+                QStringLiteral("To:       ") + field("SentToName"),
+                QStringLiteral("Sent:     ") + Messages::dateNumberText(m.value(QStringLiteral("SentDateTimeNum"))),
+                QStringLiteral("Subject:  ") + field("MessageSubject"),
+                QString(),
+            };
+            QString body = field("MessageBody");
+            body.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+            lines += body.split(QLatin1Char('\n'));
+            lines << QString() << QString(40, QLatin1Char('-')) << QString();
+            for (const QString &l : lines)
+                if (!line(l))
+                    return;
+        }
+    };
+    return r;
+}
+
+void frmMsgsPreview::printSelected()
+{
+    const QStringList ids = selectedIds();
+    if (ids.isEmpty())
+        return;
+    ReportPrinter::preview(this, messagesReport(m_person, ids));
 }

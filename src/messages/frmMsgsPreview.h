@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ReportPrinter.h"
+
 #include <QDialog>
 #include <QString>
 #include <QStringList>
@@ -40,10 +42,15 @@ public:
     void ToolbarMsgsPreview_ButtonClick(const QString &key);
     void subMsgsPreview_Command_View();
 
+    // The printed form of the messages with these IDs, read from gdbMain
+    // each time it is rendered; one gone meanwhile is left out.
+    static ReportPrinter::Report messagesReport(const QString &person, const QStringList &ids);
+
 private:
     void setup();
     void setButtonStates();
     void deleteSelected();
+    void printSelected();
     QStringList selectedIds() const;
 
     std::unique_ptr<Ui::frmMsgsPreview> ui;

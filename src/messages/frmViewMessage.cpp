@@ -22,10 +22,7 @@ frmViewMessage::frmViewMessage(const QString &id, QWidget *parent)
     const QVariantMap m = Messages::message(gdbMain, id);
     m_found = !m.isEmpty();
     const auto field = [&m](const char *name) { return m.value(QLatin1String(name)).toString(); };
-    QString from = m.value(QStringLiteral("MessageFrom")).isNull() ? field("SentFromName") : field("MessageFrom");
-    if (from != field("SentFromName") && !field("SentFromName").isEmpty())
-        from += QStringLiteral(" (sent by ") + field("SentFromName") + QLatin1Char(')');
-    ui->txtFrom->setText(from);
+    ui->txtFrom->setText(Messages::fromText(m));
     ui->txtTo->setText(field("SentToName"));
     ui->txtSent->setText(Messages::dateNumberText(m.value(QStringLiteral("SentDateTimeNum"))));
     ui->txtCategory->setText(field("Category"));

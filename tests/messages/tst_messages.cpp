@@ -8,12 +8,17 @@
 #include "messages/MessageStore.h"
 #include "messages/frmMsgsPreview.h"
 #include "platform/Modal.h"
+#include "platform/ReportPrinter.h"
+#include "logs/PdfText.h"
 
 #include <QAction>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QTemporaryDir>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTimer>
@@ -297,7 +302,7 @@ private slots:
         QCOMPARE(tips[0], QString(" View selected TAVELLO message "));
         QCOMPARE(tips[3], QString(" Reply to All (in the TAVELLO user program only) "));
         QCOMPARE(tips[8], QString(" Delete selected message(s) "));
-        QCOMPARE(enabled, (QStringList{"on", "off", "off", "off", "off", "off", "off", "off", "on", "on", "on"}));
+        QCOMPARE(enabled, (QStringList{"on", "off", "off", "off", "off", "off", "off", "on", "on", "on", "on"}));
         QCOMPARE(shownBefore, (QStringList{"2", "3", "4"}));
         QCOMPARE(viewed, QString("Call back|Reception (sent by Bob)|Call back body\nsecond line"));
         const bool marks = !marked.isEmpty() && answer == Msg::Yes;
@@ -327,6 +332,61 @@ private slots:
         if (marks)
             for (const QString &id : marked)
                 QCOMPARE(c.column(5).value(c.rowOf(id)), QString("Deleted"));
+    }
+
+    // Print goes through the console's print preview; printed to a PDF
+    // file there, each chosen message reads back whole, one removed
+    // meanwhile left out.
+    void print_data()
+    {
+        QTest::addColumn<QStringList>("chosen");
+        QTest::addColumn<QString>("vanishing");
+        QTest::addColumn<QStringList>("lines");  // the PDF's lines after the title
+        const QString rule = QString(40, '-');
+        QTest::newRow("two messages")
+            << QStringList{"2", "3"} << ""
+            << QStringList{"Message 2 Unread", "From: Bob", "To: Ann", "Sent: 2006-10-10 12:00:00", "Subject: Lunch?",
+                           "Lunch? body", "second line", rule,
+                           "Message 3 Read", "From: Reception (sent by Bob)", "To: Ann", "Sent: 2006-10-11 06:00:00",
+                           "Subject: Call back", "Call back body", "second line", rule};
+        QTest::newRow("one removed meanwhile")
+            << QStringList{"2", "4"} << "2"
+            << QStringList{"Message 4 Draft", "From: Ann", "To: Bob", "Sent: 2006-10-12", "Subject: Unsent reply",
+                           "Unsent reply body", "second line", rule};
+    }
+    void print()
+    {
+        QFETCH(QStringList, chosen);
+        QFETCH(QString, vanishing);
+        QFETCH(QStringList, lines);
+        Console c(seedMessages);
+        selectMessages(c, {"2"});
+        QTemporaryDir dir;
+        QPrinter &printer = ReportPrinter::printer();
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(dir.filePath("last.pdf"));
+        QStringList windows;
+        Modal::setHandler([&](QDialog *d) {
+            windows << d->objectName();
+            if (d->objectName() == "PrintPreview") {
+                control<QPrintPreviewWidget>(d, QString())->print();
+                return;
+            }
+            selectInPreview(d, chosen);
+            if (!vanishing.isEmpty())
+                c.other().execute("DELETE FROM MessagesTable WHERE MessageID = ?", {vanishing});
+            qobject_cast<frmMsgsPreview *>(d)->button("Print")->trigger();
+        });
+        c.doubleClickRow(c.rowOf("2"));
+        Modal::setHandler({});
+        QCOMPARE(windows, (QStringList{"frmMsgsPreview", "PrintPreview"}));
+        const QString pdf = dir.filePath("TAVELLO-MESSAGES.pdf");
+        QStringList printed;
+        for (const QString &l : PdfText::lines(PdfText::layout(pdf)))
+            printed << l.simplified();
+        QCOMPARE(printed.value(0), QString("TAVELLO Messages for Ann"));
+        QCOMPARE(printed.mid(1), lines);
+        QCOMPARE(messageTexts(), QStringList());
     }
 
     // The Edit entry stands on the Messages node only, on while a message
