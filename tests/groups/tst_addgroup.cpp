@@ -2,6 +2,8 @@
 // order, the two-list editor, the rows written, and other programs at work.
 #include "GroupsTest.h"
 
+#include "console/DialogRegistry.h"
+#include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "groups/frmAddGroup.h"
 #include "groups/TwoListEditor.h"
@@ -233,20 +235,43 @@ private slots:
         QVERIFY(!gdbMain.inTransaction());
     }
 
-    // Help and F1 show the window's own page; Cancel writes nothing.
+    // Help and F1 show each window's own page; Cancel closes and writes
+    // nothing.
+    void helpAndCancel_data()
+    {
+        QTest::addColumn<QString>("window");
+        QTest::addColumn<QString>("helpText");
+        QTest::newRow("add") << "frmAddGroup" << "&Help";
+        QTest::newRow("modify") << "frmModGroup" << "Help";
+        QTest::newRow("delete") << "frmDeleteGroup" << "Help";
+    }
     void helpAndCancel()
     {
+        QFETCH(QString, window);
+        QFETCH(QString, helpText);
         Console c(seedBoard);
         Help::install();
-        auto d = open();
-        QTest::keyClicks(control<QLineEdit>(d.get(), "txtAddGroup"), "Night");
+        const QString before = tableState(gdbMain);
+        SelectedGroupName = "Sales";
+        c.clickNode("Groups");
+        c.clickRow(c.rowOf("Sales"));
+        std::unique_ptr<QDialog> d(DialogRegistry::create(window, &c.w()));
+        d->show();
+        (void)QTest::qWaitForWindowActive(d.get());
+        if (window == "frmAddGroup")
+            QTest::keyClicks(control<QLineEdit>(d.get(), "txtAddGroup"), "Night");
+        if (window != "frmDeleteGroup")
+            clickAll(d.get(), {"+Eve"});
+        QTest::keyClick(d->focusWidget() ? d->focusWidget() : d.get(), Qt::Key_F1);
+        QCOMPARE(Help::lastPage(), window);
+        Help::showFor(&c.w());
         QTest::mouseClick(control<QPushButton>(d.get(), "cmdButtons_2"), Qt::LeftButton);
-        QCOMPARE(Help::lastPage(), QString("frmAddGroup"));
-        QCOMPARE(control<QPushButton>(d.get(), "cmdButtons_2")->text(), QString("&Help"));
-        clickAll(d.get(), {"+Ann"});
+        QCOMPARE(Help::lastPage(), window);
+        QCOMPARE(control<QPushButton>(d.get(), "cmdButtons_2")->text(), helpText);
         QTest::mouseClick(control<QPushButton>(d.get(), "cmdButtons_1"), Qt::LeftButton);
         QVERIFY(!d->isVisible());
-        QCOMPARE(rows(gdbMain, "SELECT count(*) FROM GroupTable WHERE GroupName = 'Night'"), QString("0"));
+        QCOMPARE(tableState(gdbMain), before);
+        QCOMPARE(boxes(), QStringList());
     }
 };
 

@@ -6,7 +6,6 @@
 #include "console/frmMain.h"
 #include "groups/frmAddGroup.h"
 #include "groups/frmModGroup.h"
-#include "platform/Help.h"
 #include "platform/Hourglass.h"
 #include "users/frmModUser.h"
 
@@ -205,16 +204,6 @@ private slots:
         QCOMPARE(texts("ListView2"), QStringList{"Sales Team"});
     }
 
-    void help()
-    {
-        Console c(seedBoard);
-        Help::install();
-        auto d = openOn("Sales");
-        QTest::mouseClick(control<QPushButton>(d.get(), "cmdButtons_2"), Qt::LeftButton);
-        QCOMPARE(Help::lastPage(), QString("frmModGroup"));
-        QTest::mouseClick(control<QPushButton>(d.get(), "cmdButtons_1"), Qt::LeftButton);
-        QVERIFY(!d->isVisible());
-    }
 };
 
 QTEST_MAIN(TestModGroup)
