@@ -6,6 +6,7 @@
 #include "console/frmMain.h"
 #include "groups/frmAddGroup.h"
 #include "groups/frmModGroup.h"
+#include "platform/Modal.h"
 #include "platform/Hourglass.h"
 #include "users/frmModUser.h"
 
@@ -175,6 +176,31 @@ private slots:
                                  "EmployeeGroupTable WHERE GroupName = ? ORDER BY EmployeeName)", {now}),
                      QString("Ann Bob Eve"));
         }
+    }
+
+    // The console's Insert key and double click reach the real windows with
+    // the row handed over, and its list shows what they wrote.
+    void throughTheConsole()
+    {
+        Console c(seedBoard);
+        c.clickNode("Groups");
+        QStringList opened;
+        Modal::setHandler([&](QDialog *d) {
+            opened << d->metaObject()->className();
+            auto *name = d->findChild<QLineEdit *>(opened.size() == 1 ? "txtAddGroup" : "txtModifyGroup");
+            if (opened.size() == 2)
+                QCOMPARE(name->text(), QString("Night"));
+            name->setText(opened.size() == 1 ? "Night" : "Night Shift");
+            clickAll(d, {opened.size() == 1 ? "+Eve" : "+Dan"});
+            QTest::mouseClick(control<QPushButton>(d, "cmdButtons_0"), Qt::LeftButton);
+        });
+        c.keyInList(Qt::Key_Insert);
+        c.doubleClickRow(c.rowOf("Night"));
+        Modal::setHandler({});
+        QCOMPARE(opened, (QStringList{"frmAddGroup", "frmModGroup"}));
+        QVERIFY(c.rowOf("Night Shift") >= 0);
+        QCOMPARE(memberships(gdbMain, "Night Shift"), QString("Eve=0 Dan=0"));
+        QCOMPARE(boxes(), QStringList());
     }
 
     // Groups made and renamed here show on the user windows' managed-groups
