@@ -5,6 +5,7 @@ packages=(
   g++ cmake make
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
   libsqlite3-dev sqlite3
+  poppler-utils
   libgl-dev
   fonts-dejavu-core
   tango-icon-theme
