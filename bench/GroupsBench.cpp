@@ -115,8 +115,12 @@ std::vector<int> movePlan(int listSize, int count)
 
 double ms(const QElapsedTimer &t) { return double(t.nsecsElapsed()) / 1e6; }
 
+struct Phases {
+    double open = 0, moves = 0, ok = 0;
+};
+
 // The window's way. Returns the time, or -1 when something went wrong.
-double consoleRun(const QString &file, const Sizes &s, int *membersAfter)
+double consoleRun(const QString &file, const Sizes &s, int *membersAfter, Phases *phases)
 {
     gdbMain = Database::open(file);
     QElapsedTimer t;
@@ -146,8 +150,7 @@ double consoleRun(const QString &file, const Sizes &s, int *membersAfter)
     const double tMoves = ms(t);
     d->cmdButtons_Click(0);
     const double elapsed = ms(t);
-    if (qEnvironmentVariableIsSet("GROUPS_BENCH_PHASES"))
-        std::fprintf(stderr, "open %.1f moves %.1f ok %.1f\n", tOpen, tMoves - tOpen, elapsed - tMoves);
+    *phases = {tOpen, tMoves - tOpen, elapsed - tMoves};
     const bool closed = !d->isVisible();
     d.reset();
     *membersAfter = gdbMain.scalar(QStringLiteral("SELECT count(*) FROM EmployeeGroupTable WHERE GroupName = ?"),
@@ -293,13 +296,14 @@ int runGroupsBench(int argc, char **argv)
     gstrDataPath = dir.path() + QLatin1Char('/');
     gstrDatabaseFile = ours;
 
-    std::vector<double> console, reference;
+    std::vector<double> console, reference, opening, moving, pressing;
     for (int r = 0; r < runs; ++r) {
         int after = 0, expected = 0;
         if (!copyFile(master, theirs) || !copyFile(master, ours))
             return 2;
         const double ref = referenceRun(theirs, s, &expected);
-        const double our = consoleRun(ours, s, &after);
+        Phases phases;
+        const double our = consoleRun(ours, s, &after, &phases);
         if (ref < 0 || our < 0 || after != expected) {
             std::fprintf(stderr, "groups: run %d failed (members after: %d, expected %d)\n", r, after, expected);
             for (const Msg::Shown &m : Msg::transcript())
@@ -308,12 +312,17 @@ int runGroupsBench(int argc, char **argv)
         }
         reference.push_back(ref);
         console.push_back(our);
+        opening.push_back(phases.open);
+        moving.push_back(phases.moves);
+        pressing.push_back(phases.ok);
     }
     const double ratio = median(console) / median(reference);
     std::printf("groups: %d users, a group of %d members, %d names moved (half out, half in), %d runs\n", s.users,
                 s.members, s.moved, runs);
     std::printf("reference, bare SQLite C API, reads and writes: %.1f ms\n", median(reference));
     std::printf("console, frmModGroup opened, moves, OK:        %.1f ms\n", median(console));
+    std::printf("  of which opening %.1f ms, moves %.1f ms, OK %.1f ms (medians each)\n", median(opening),
+                median(moving), median(pressing));
     std::printf("ratio %.2f\n", ratio);
     return 0;
 }
