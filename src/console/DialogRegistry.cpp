@@ -3,6 +3,9 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "groups/frmAddGroup.h"
+#include "groups/frmDeleteGroup.h"
+#include "groups/frmModGroup.h"
 #include "messages/frmDeleteMessages.h"
 #include "messages/frmMsgsPreview.h"
 #include "platform/Modal.h"
@@ -107,6 +110,9 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
+    add(QStringLiteral("frmModGroup"), make<frmModGroup>);
+    add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
     add(QStringLiteral("frmDeleteMessages"), make<frmDeleteMessages>);
     add(QStringLiteral("frmMsgsPreview"), make<frmMsgsPreview>);
     add(QStringLiteral("frmGlobalSettings"), make<frmGlobalSettings>);
