@@ -175,6 +175,7 @@ double windowMs(const Layout &l, const QString &copy)
 // and written in one transaction per site.
 double referenceMs(const Layout &l, const QString &copy)
 {
+    useCopy(l, copy);
     struct Site {
         sqlite3 *db = nullptr;
         QStringList rows;
