@@ -407,15 +407,12 @@ private slots:
         Boards b(c.site());
         if (!unique) {
             Database db = c.other();
-            const QString rows = [&] {
-                QStringList names;
-                for (Recordset rs = db.query("SELECT name FROM sqlite_master WHERE type = 'index' AND tbl_name = ?",
-                                             {"ServersTable"});
-                     !rs.eof(); rs.moveNext())
-                    names << rs.value(0).toString();
-                return names.join('\n');
-            }();
-            for (const QString &index : rows.split('\n', Qt::SkipEmptyParts))
+            QStringList indexes;
+            for (Recordset rs = db.query("SELECT name FROM sqlite_master WHERE type = 'index' AND tbl_name = ?",
+                                         {"ServersTable"});
+                 !rs.eof(); rs.moveNext())
+                indexes << rs.value(0).toString();
+            for (const QString &index : indexes)
                 db.execute("DROP INDEX " + Database::quoteIdentifier(index));
         }
         b.setTable("H", listed);
