@@ -4,17 +4,20 @@
 #include "SitesTest.h"
 
 #include "console/AdminListView.h"
+#include "console/DialogRegistry.h"
 #include "console/frmMain.h"
 #include "core/ERRORS.h"
 #include "core/Global.h"
 #include "core/frmDataPath.h"
 #include "platform/FileDialogs.h"
+#include "platform/Help.h"
 #include "platform/MessageBox.h"
 #include "platform/Modal.h"
 #include "platform/UncPath.h"
 #include "sites/frmAddServer.h"
 #include "sites/frmModServer.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -489,6 +492,36 @@ private slots:
                                      "\\\\fs2\\Main Office = /mnt/main office (smb3)",
                                      "\\\\fs3\\export\\tavello = /srv/tavello (nfs4)",
                                      "\\\\fs4\\export\\sites\\perth = /mnt/perth (nfs)"}));
+    }
+
+    // Each window's Help button brings up its own page.
+    void help_data()
+    {
+        QTest::addColumn<QString>("window");
+        QTest::addColumn<QString>("button");
+        QTest::newRow("Add") << "frmAddServer" << "cmdButtons_2";
+        QTest::newRow("Modify") << "frmModServer" << "cmdButtons_2";
+        QTest::newRow("Delete") << "frmDeleteServer" << "cmdButtons_2";
+        QTest::newRow("Auto Sync") << "frmAutoSync" << "cmdHelp";
+    }
+    void help()
+    {
+        QFETCH(QString, window);
+        QFETCH(QString, button);
+        Console c;
+        Boards b(c.site());
+        b.setTable("H", {"{B}=Bee"});
+        selectServers(c, {b.unc("B")});  // something to delete
+        Help::install();
+        std::unique_ptr<QDialog> d(DialogRegistry::create(window, nullptr));
+        QVERIFY(d);
+        d->show();
+        QVERIFY(QTest::qWaitForWindowActive(d.get()));
+        QTest::mouseClick(control<QPushButton>(d.get(), button.toLatin1().constData()), Qt::LeftButton);
+        QCOMPARE(Help::lastPage(), window);
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (w->objectName() == "HelpWindow")
+                w->close();
     }
 
     // The Add window lists the shares this computer knows, with their UNC names.
