@@ -7,6 +7,10 @@
 #include "groups/frmDeleteGroup.h"
 #include "groups/frmModGroup.h"
 #include "platform/Modal.h"
+#include "sites/frmAddServer.h"
+#include "sites/frmAutoSync.h"
+#include "sites/frmDeleteServer.h"
+#include "sites/frmModServer.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
 #include "users/frmDeleteUser.h"
@@ -104,6 +108,10 @@ void registerAvailableWindows()
     add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
     add(QStringLiteral("frmModGroup"), make<frmModGroup>);
     add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
+    add(QStringLiteral("frmAddServer"), make<frmAddServer>);
+    add(QStringLiteral("frmModServer"), make<frmModServer>);
+    add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
+    add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
 }
 
 QString dialogFor(Verb verb, const QString &kind)
