@@ -16,6 +16,10 @@
 #include "settings/frmGlobalSettings.h"
 #include "settings/frmPhotoPath.h"
 #include "settings/frmSecurity.h"
+#include "sites/frmAddServer.h"
+#include "sites/frmAutoSync.h"
+#include "sites/frmDeleteServer.h"
+#include "sites/frmModServer.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
 #include "users/frmDeleteUser.h"
@@ -113,6 +117,10 @@ void registerAvailableWindows()
     add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
     add(QStringLiteral("frmModGroup"), make<frmModGroup>);
     add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
+    add(QStringLiteral("frmAddServer"), make<frmAddServer>);
+    add(QStringLiteral("frmModServer"), make<frmModServer>);
+    add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
+    add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
     add(QStringLiteral("frmDeleteMessages"), make<frmDeleteMessages>);
     add(QStringLiteral("frmMsgsPreview"), make<frmMsgsPreview>);
     add(QStringLiteral("frmGlobalSettings"), make<frmGlobalSettings>);
