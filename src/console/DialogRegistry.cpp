@@ -1,5 +1,6 @@
 #include "console/DialogRegistry.h"
 
+#include "catalogues/CatalogueWindows.h"
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
@@ -98,6 +99,7 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    registerCatalogueWindows();
 }
 
 QString dialogFor(Verb verb, const QString &kind)
