@@ -23,7 +23,8 @@ OptionGroup colourRadios(QWidget *dialog)
         p.setColor(QPalette::Window, face);
         p.setColor(QPalette::Button, face);
         // Dark text wherever it reads; on the blue face only light text does.
-        p.setColor(QPalette::WindowText, face.lightness() < 100 ? Qt::white : Qt::black);
+        const bool dark = 0.299 * face.red() + 0.587 * face.green() + 0.114 * face.blue() < 60;
+        p.setColor(QPalette::WindowText, dark ? Qt::white : Qt::black);
         radio->setPalette(p);
         radio->setAutoFillBackground(true);
     }
