@@ -4,6 +4,9 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "groups/frmAddGroup.h"
+#include "groups/frmDeleteGroup.h"
+#include "groups/frmModGroup.h"
 #include "platform/Modal.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
@@ -99,6 +102,9 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
+    add(QStringLiteral("frmModGroup"), make<frmModGroup>);
+    add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
     registerCatalogueWindows();
 }
 
