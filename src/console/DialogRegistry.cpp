@@ -1,5 +1,6 @@
 #include "console/DialogRegistry.h"
 
+#include "catalogues/CatalogueWindows.h"
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
@@ -121,6 +122,7 @@ void registerAvailableWindows()
     add(QStringLiteral("frmModServer"), make<frmModServer>);
     add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
     add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
+    registerCatalogueWindows();
     add(QStringLiteral("frmDeleteMessages"), make<frmDeleteMessages>);
     add(QStringLiteral("frmMsgsPreview"), make<frmMsgsPreview>);
     add(QStringLiteral("frmGlobalSettings"), make<frmGlobalSettings>);
