@@ -5,9 +5,13 @@ packages=(
   g++ cmake make
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
   libsqlite3-dev sqlite3
+  poppler-utils
   libgl-dev
   fonts-dejavu-core
   tango-icon-theme
+  # the icons, the Debian package and the tools that check them
+  librsvg2-bin dpkg-dev file
+  desktop-file-utils appstream lintian man-db
 )
 missing=()
 for p in "${packages[@]}"; do
