@@ -2,8 +2,10 @@
 #include <cstdio>
 #include <cstring>
 
+int runAutoSyncBench(int argc, char **argv);
 int runCompactBench(int argc, char **argv);
 int runListUsersBench(int argc, char **argv);
+int runGroupsBench(int argc, char **argv);
 
 namespace {
 
@@ -14,8 +16,10 @@ struct Benchmark {
 };
 
 const Benchmark benchmarks[] = {
+    {"autosync", runAutoSyncBench, "autosync [--quick] [--sites N] [--runs N]"},
     {"compact", runCompactBench, "compact [--quick] [--mb N] [--runs N]"},
     {"list-users", runListUsersBench, "list-users [--quick] [--users N]"},
+    {"groups", runGroupsBench, "groups [--quick] [--users N] [--members N] [--moved N] [--runs N]"},
 };
 
 }  // namespace

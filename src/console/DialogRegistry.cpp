@@ -3,7 +3,14 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "groups/frmAddGroup.h"
+#include "groups/frmDeleteGroup.h"
+#include "groups/frmModGroup.h"
 #include "platform/Modal.h"
+#include "sites/frmAddServer.h"
+#include "sites/frmAutoSync.h"
+#include "sites/frmDeleteServer.h"
+#include "sites/frmModServer.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
 #include "users/frmDeleteUser.h"
@@ -98,6 +105,13 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
+    add(QStringLiteral("frmModGroup"), make<frmModGroup>);
+    add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
+    add(QStringLiteral("frmAddServer"), make<frmAddServer>);
+    add(QStringLiteral("frmModServer"), make<frmModServer>);
+    add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
+    add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
 }
 
 QString dialogFor(Verb verb, const QString &kind)

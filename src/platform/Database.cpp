@@ -16,13 +16,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <map>
+#include <mutex>
 #include <utility>
 
 namespace {
 
 constexpr int BusyTimeoutMs = 250;
-int g_connectionSerial = 0;
+// Connections may be opened on worker threads too.
+std::atomic<int> g_connectionSerial{0};
 
 QString uriFor(const QString &localPath, bool create)
 {
@@ -69,6 +72,8 @@ constexpr off_t SharedSize = 510;
 int lockQueryDescriptor(const QString &localPath)
 {
     static std::map<std::pair<dev_t, ino_t>, int> descriptors;
+    static std::mutex guard;  // opens happen on worker threads too
+    const std::lock_guard<std::mutex> lock(guard);
     const QByteArray name = QFile::encodeName(localPath);
     struct stat st {};
     if (::stat(name.constData(), &st) != 0)
