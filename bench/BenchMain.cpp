@@ -6,6 +6,7 @@ int runAutoSyncBench(int argc, char **argv);
 int runCompactBench(int argc, char **argv);
 int runListUsersBench(int argc, char **argv);
 int runGroupsBench(int argc, char **argv);
+int runStatusDeleteBench(int argc, char **argv);
 
 namespace {
 
@@ -20,6 +21,7 @@ const Benchmark benchmarks[] = {
     {"compact", runCompactBench, "compact [--quick] [--mb N] [--runs N]"},
     {"list-users", runListUsersBench, "list-users [--quick] [--users N]"},
     {"groups", runGroupsBench, "groups [--quick] [--users N] [--members N] [--moved N] [--runs N]"},
+    {"status-delete", runStatusDeleteBench, "status-delete [--quick] [--users N] [--runs N]"},
 };
 
 }  // namespace

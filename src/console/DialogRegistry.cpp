@@ -1,5 +1,6 @@
 #include "console/DialogRegistry.h"
 
+#include "catalogues/CatalogueWindows.h"
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
@@ -112,6 +113,7 @@ void registerAvailableWindows()
     add(QStringLiteral("frmModServer"), make<frmModServer>);
     add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
     add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
+    registerCatalogueWindows();
 }
 
 QString dialogFor(Verb verb, const QString &kind)
