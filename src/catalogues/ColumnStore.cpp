@@ -35,8 +35,8 @@ QString definition(const QString &fieldName, const QString &suffix)
     const QString q = Database::quoteIdentifier(fieldName);
     if (suffix.isEmpty())
         return QStringLiteral("TEXT(250) COLLATE NOCASE CHECK (length(%1) <= 250)").arg(q);
-    if (suffix == ReadOnly)
-        return QStringLiteral("BOOLEAN NOT NULL DEFAULT 0 CHECK (%1 IN (0, 1))").arg(q);
+    if (suffix == ReadOnly)  // a Yes/No field: -1 is the True of the board's older engine
+        return QStringLiteral("BOOLEAN NOT NULL DEFAULT 0 CHECK (%1 IN (-1, 0, 1))").arg(q);
     return QStringLiteral("REAL");
 }
 

@@ -35,6 +35,7 @@
 #include <QLinearGradient>
 #include <QMessageBox>
 #include <QPainter>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QToolButton>
 #include <cmath>
@@ -92,14 +93,6 @@ constexpr MenuWindow MenuWindows[] = {
     {"mnuCheckForUpdates", "CheckForUpdates"},
     {"mnuAbout", "about"},
 };
-
-// A wait that keeps the window painting and answering.
-void pauseWithEvents(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 // Trims blanks only, as the list's texts always were.
 QString trimBlanks(const QString &s)
@@ -265,6 +258,12 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), ui(new Ui::frmMain)
         setVerbEnabled(a, false);
 
     setMainWindowUnloader([this] { unloadSequence(); });
+
+    // Alt+Home brings back a window lost off the screen, wherever the focus
+    // is in it: the tree and the list would take Home for themselves.
+    auto *rescue = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Home), this);
+    rescue->setContext(Qt::WindowShortcut);
+    connect(rescue, &QShortcut::activated, this, &frmMain::rescueLostWindow);
 }
 
 frmMain::~frmMain()
@@ -517,17 +516,23 @@ bool frmMain::load()
     if (!gbolIniFound) {
         // Nowhere to keep the database path: the run cannot go on.
         move(Twips::toPixelsX(300000), y());
-        endProcess();
+        endProcess(ExitWithoutDatabase);
         return false;
     }
-    subTestStatusCounterTable();
+    // Every step below needs the database: a path that did not open is
+    // mended in the Database Path window, or the run ends.
+    do {
+        if (!subRequireDatabase())
+            return false;
+        subTestStatusCounterTable();
+    } while (!gdbMain.isOpen());
     subUpdateDatabaseStructure();
     subCheckDBVersionForConversion();
     if (gbolEnding)
         return false;
     subOpenDatabase();
     subCloseDatabase();
-    if (gbolEnding)
+    if (!subRequireDatabase())
         return false;
     subRefreshUserCount();
     showUserCount();
@@ -579,7 +584,7 @@ bool frmMain::load()
 void frmMain::Form_Activate()
 {
     if (!gbolIniFound) {
-        endProcess();
+        endProcess(ExitWithoutDatabase);
         return;
     }
     if (!m_loaded)
@@ -781,9 +786,9 @@ void frmMain::refreshListView(const QString &kind)
                     rs = gdbMain.query(gstrSql);
                     break;
                 } catch (const StoreError &) {
-                    if (++attempt == 3)
+                    if (++attempt == 3 || gbolEnding)
                         throw;
-                    pauseWithEvents(1000);
+                    waitWithEvents(1000);
                 }
             }
             for (; !rs.eof(); rs.moveNext())
@@ -851,16 +856,18 @@ void frmMain::refreshListView(const QString &kind)
             gstrSql = QStringLiteral("SELECT * FROM EmployeeTable LIMIT 1");
             selection = LastSelectedColumn;
             // A fresh connection: the old one's field list would not show a
-            // column that was just added.
+            // column that was just added. It takes the old one's place only
+            // once it is open, so a file that cannot be opened now leaves the
+            // handle as it was for every other list.
             for (int attempt = 0;;) {
                 try {
-                    gdbMain.close();
-                    gdbMain = Database::open(gstrDataPath + QStringLiteral("tavello.mdb"));
+                    Database fresh = Database::open(gstrDataPath + QStringLiteral("tavello.mdb"));
+                    gdbMain = std::move(fresh);
                     break;
                 } catch (const StoreError &) {
-                    if (++attempt == 3)
+                    if (++attempt == 3 || gbolEnding)
                         throw;
-                    pauseWithEvents(1000);
+                    waitWithEvents(1000);
                 }
             }
             // From here a failure only leaves out what it touched.
@@ -901,6 +908,8 @@ void frmMain::refreshListView(const QString &kind)
 
 void frmMain::reportRefreshFailure(const StoreError &e)
 {
+    if (gbolEnding)
+        return;  // the run ended on the way (a foreign file): nothing is left to tell
     // The pointer stays the hourglass; the next caller gives it back.
     if (e.number() == err::RowDeleted) {
         Msg::box(QStringLiteral("The ") + gstrAppTitle +
@@ -1376,15 +1385,10 @@ void frmMain::changeEvent(QEvent *event)
     }
 }
 
-void frmMain::keyPressEvent(QKeyEvent *event)
+void frmMain::rescueLostWindow()
 {
-    // Alt+Home brings back a window lost off the screen.
-    if (event->key() == Qt::Key_Home && event->modifiers() == Qt::AltModifier) {
-        setWindowState(Qt::WindowNoState);
-        move(0, 0);
-        return;
-    }
-    QMainWindow::keyPressEvent(event);
+    setWindowState(Qt::WindowNoState);
+    move(0, 0);
 }
 
 bool frmMain::eventFilter(QObject *watched, QEvent *event)

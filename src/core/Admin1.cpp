@@ -37,7 +37,7 @@ void askForDataPath()
     frmDataPath dialog;
     Modal::show(&dialog);
     if (!gbolDataPathSaved)
-        endProcess();
+        unloadMainWindow(ExitWithoutDatabase);
 }
 
 enum class IniResult { Open, DontOpen };
@@ -101,57 +101,83 @@ void setMainWindowUnloader(std::function<void()> unloader)
     mainWindowUnloader() = std::move(unloader);
 }
 
-void unloadMainWindow()
+void unloadMainWindow(int exitCode)
 {
     if (mainWindowUnloader())
         mainWindowUnloader()();
-    endProcess();
+    endProcess(exitCode);
+}
+
+bool subRequireDatabase()
+{
+    while (!gbolEnding && !gdbMain.isOpen()) {
+        // A saved path has been opened by the window itself; one that still
+        // does not open brings the window back, never a message alone.
+        frmDataPath dialog;
+        Modal::show(&dialog);
+        if (!gbolDataPathSaved) {
+            unloadMainWindow(ExitWithoutDatabase);
+            return false;
+        }
+    }
+    return !gbolEnding;
 }
 
 void InitializeLocalDatabase()
 {
-    const QString label = QStringLiteral("Admin - InitializeLocalDatabase event.");
     for (;;) {  // a repair after 3343 tries the whole open again from the ini
         if (readDataPath() == IniResult::DontOpen)
             return;
         try {
             gdbMain.close();
-            gdbMain = Database::open(gstrDatabaseFile);
-            return;
+            for (;;) {
+                try {
+                    gdbMain = Database::open(gstrDatabaseFile);
+                    return;
+                } catch (const StoreError &e) {
+                    // Another program has the file for the moment (a repair,
+                    // a user program's write): wait as every later open does.
+                    if ((e.number() != err::CannotLock && !e.heldExclusively()) || gbolEnding)
+                        throw;
+                    Hourglass::set(11);
+                    waitWithEvents(1000);
+                }
+            }
         } catch (const StoreError &e) {
             const QString title = gstrAppTitle + QStringLiteral(" - Database Error");
             switch (e.number()) {
-            case err::DatabaseMissing:
+            case err::DatabaseMissing: {
                 // A new site needs nothing but the folder.
-                CreateDatabase(gstrDatabaseFile);
+                const int created = CreateDatabase(gstrDatabaseFile);
+                if (created == 0 || created == err::AlreadyExists)
+                    continue;  // made here, or by another console meanwhile: open it
+                Msg::box(QStringLiteral("The database ") + gstrDatabaseFile +
+                             QStringLiteral(" could not be created (error ") + QString::number(created) +
+                             QStringLiteral(").") + CR +
+                             QStringLiteral("Make sure that the folder exists and can be written to, or choose another database path."),
+                         Msg::Buttons::OK, Msg::Icon::Exclamation, title);
                 return;
+            }
             case err::FileNotFound: {
                 Msg::box(e.text() + CR + QStringLiteral("The database could not be found at the location") +
                              QStringLiteral(" specified in the tavello.ini file. "),
                          Msg::Buttons::OK, Msg::Icon::Exclamation, title);
                 frmDataPath dialog;
                 Modal::show(&dialog);
+                if (!gbolDataPathSaved)
+                    unloadMainWindow(ExitWithoutDatabase);
                 return;
             }
             case err::PathNotFound:
             case err::BadFileName:
                 askForDataPath();
                 return;
-            case err::FileInUse:
-            case err::PlacedInState:
-            case err::OpenedExclusively:
-                Msg::box(QStringLiteral("Error (") + QString::number(e.number()).trimmed() + QStringLiteral(" ) in ") +
-                             label + CR + e.text() + CR +
-                             QStringLiteral("Probable cause - Someone MAY have the database open using MS Access 2000."),
-                         Msg::Buttons::OK);
-                unloadMainWindow();
-                return;
             case err::Damaged:
                 Msg::box(e.text() + CR + QStringLiteral("The database is damaged and must be repaired. ") +
                              QStringLiteral(" Probable cause - someone switched off or crashed their") +
                              QStringLiteral(" PC whilst updating the database on the server."),
                          Msg::Buttons::OK, Msg::Icon::Exclamation, title);
-                unloadMainWindow();
+                unloadMainWindow(ExitWithoutDatabase);
                 return;
             case err::NotThisStore: {
                 Msg::box(e.text() + CR +
@@ -167,14 +193,14 @@ void InitializeLocalDatabase()
                     continue;
                 Msg::box(QStringLiteral("Unable to continue. The database must be repaired first."), Msg::Buttons::OK,
                          Msg::Icon::Exclamation, title);
-                unloadMainWindow();
+                unloadMainWindow(ExitWithoutDatabase);
                 return;
             }
             default:
                 Msg::box(QStringLiteral("Err: ") + QString::number(e.number()) + QStringLiteral(" - ") + e.text(),
                          Msg::Buttons::OK, Msg::Icon::Exclamation,
                          gstrAppTitle + QStringLiteral(" - Database Init Error"));
-                unloadMainWindow();
+                unloadMainWindow(ExitWithoutDatabase);
                 return;
             }
         }
@@ -183,8 +209,12 @@ void InitializeLocalDatabase()
 
 void subCheckDBVersionForConversion()
 {
-    if (gbolIsValidDatabase(gstrDataPath))
+    // Only data that read correctly is set aside: a file that is busy has
+    // been waited for, and one that could not be read stays where it is.
+    const DatabaseCheck check = subCheckDatabase(gstrDataPath);
+    if (check != DatabaseCheck::Older)
         return;
+    subTellNotA2005Database();
 
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy MM dd hhmmss"));
     gbolCloseDatabaseNow = true;

@@ -22,7 +22,13 @@ void subRefreshUserCount();
 // Unloads the main window (its unload order) and ends the process. The main
 // window registers what its unload does.
 void setMainWindowUnloader(std::function<void()> unloader);
-void unloadMainWindow();
+void unloadMainWindow(int exitCode = 0);
+
+// The start goes no further without an open gdbMain: the Database Path
+// window comes up until a path is saved that opens; Cancel ends the run
+// (unload sequence, exit code ExitWithoutDatabase). Returns whether the
+// start can go on.
+bool subRequireDatabase();
 
 // Local form of a folder in gstr...Path form (UNC or local), for plain files.
 QString localFolder(const QString &folder);

@@ -45,17 +45,38 @@ QString appTitleFor(const QString &version);
 
 // Opens gdbMain afresh on gstrDataPath + "tavello.mdb". While another program
 // holds the file it waits a second and tries again, without limit, keeping
-// the window alive. Shows its own messages; a foreign file ends the process.
-void subOpenDatabase();
+// the window alive. Shows its own messages; a foreign file ends the run the
+// way an ordinary exit does. Returns whether gdbMain is open.
+bool subOpenDatabase();
 // Gives the mouse pointer back; closes gdbMain only when gbolCloseDatabaseNow.
 void subCloseDatabase();
 
-// Whether `folder` holds a 2005 board database. Leaves gdbMain on that file.
+// What a folder's tavello.mdb turned out to be. Older: it opened and read
+// correctly and is not a 2005 database (no GlobalSettingsTable, or another
+// DatabaseVersion). Unusable: it could not be opened or read for a reason
+// other than a lock; that has been told.
+enum class DatabaseCheck { Valid, Older, Unusable };
+
+// Checks `folder` + "tavello.mdb", leaving gdbMain on that file. While the
+// file is busy or held by another program it waits, as subOpenDatabase does.
+DatabaseCheck subCheckDatabase(const QString &folder);
+
+// "Error: This is NOT a 2005 Tavello database."
+void subTellNotA2005Database();
+
+// Whether `folder` holds a 2005 board database; an older one is told with
+// "Error: This is NOT a 2005 Tavello database.". Leaves gdbMain on that file.
 bool gbolIsValidDatabase(const QString &folder);
 
+// Exit code of a run that ended without a usable database.
+constexpr int ExitWithoutDatabase = 1;
+
 // Ends the run: unloads the windows from the last to the first and leaves
-// the event loop. Safe to call before the loop runs.
-void endProcess();
+// the event loop with `exitCode`. Safe to call before the loop runs.
+void endProcess(int exitCode = 0);
 
 // Lets pending events run (the console's DoEvents).
 void yieldEvents();
+
+// A pause that keeps the windows painting and answering.
+void waitWithEvents(int ms);

@@ -4,6 +4,7 @@
 #include "platform/UncPath.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -11,7 +12,14 @@
 
 #include <sqlite3.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <map>
+#include <mutex>
+#include <utility>
 
 namespace {
 
@@ -50,6 +58,59 @@ bool hasBadNameCharacters(const QString &path)
             return true;
     }
     return false;
+}
+
+// SQLite's lock bytes on the file: a program that holds the file to itself
+// has the shared range locked for writing; a writer waiting for readers to
+// finish holds only the pending byte.
+constexpr off_t PendingByte = 0x40000000;
+constexpr off_t SharedFirst = PendingByte + 2;
+constexpr off_t SharedSize = 510;
+
+// One descriptor per file for asking about locks, kept for the run: closing
+// a descriptor would drop every lock this process holds on the file.
+int lockQueryDescriptor(const QString &localPath)
+{
+    static std::map<std::pair<dev_t, ino_t>, int> descriptors;
+    static std::mutex guard;  // opens happen on worker threads too
+    const std::lock_guard<std::mutex> lock(guard);
+    const QByteArray name = QFile::encodeName(localPath);
+    struct stat st {};
+    if (::stat(name.constData(), &st) != 0)
+        return -1;
+    const auto key = std::make_pair(st.st_dev, st.st_ino);
+    if (const auto it = descriptors.find(key); it != descriptors.end())
+        return it->second;
+    const int fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd >= 0)
+        descriptors.emplace(key, fd);
+    return fd;
+}
+
+// Whether another program holds the file to itself right now, as opposed
+// to a lock that passes: readers in the way of a writer, or a writer about
+// to commit.
+bool heldToItselfByAnother(const QString &localPath)
+{
+    const int fd = lockQueryDescriptor(localPath);
+    if (fd < 0)
+        return false;
+    struct flock query {};
+    query.l_type = F_RDLCK;
+    query.l_whence = SEEK_SET;
+    query.l_start = SharedFirst;
+    query.l_len = SharedSize;
+    if (::fcntl(fd, F_GETLK, &query) != 0)
+        return false;
+    return query.l_type == F_WRLCK;
+}
+
+StoreError lockFailure(const QString &localPath, const QString &path)
+{
+    if (heldToItselfByAnother(localPath))
+        return StoreError(err::FileInUse,
+                          QStringLiteral("Could not use '%1'; file already in use by another program.").arg(path));
+    return StoreError(err::CannotLock, QStringLiteral("Could not lock file '%1': other programs are using it.").arg(path));
 }
 
 int nativeCode(const QSqlError &e)
@@ -300,8 +361,7 @@ Database Database::open(const QString &path, Mode mode)
     } catch (const StoreError &e) {
         db.close();
         if (e.number() == err::RowLocked)
-            throw StoreError(err::FileInUse,
-                             QStringLiteral("Could not use '%1'; file already in use by another program.").arg(path));
+            throw lockFailure(local, path);
         throw;
     }
     if (db.scalar(QStringLiteral("PRAGMA journal_mode")).toString().compare(QLatin1String("wal"), Qt::CaseInsensitive) == 0) {
@@ -321,15 +381,7 @@ Database Database::open(const QString &path, Mode mode)
             if (e.number() != err::RowLocked)
                 throw;
             // Busy: in use by others, or held to itself by one of them?
-            try {
-                Database probe = connect(local, false);
-                probe.scalar(QStringLiteral("SELECT count(*) FROM sqlite_master"));
-            } catch (const StoreError &) {
-                throw StoreError(err::FileInUse,
-                                 QStringLiteral("Could not use '%1'; file already in use by another program.").arg(path));
-            }
-            throw StoreError(err::CannotLock,
-                             QStringLiteral("Could not lock file '%1': other programs are using it.").arg(path));
+            throw lockFailure(local, path);
         }
     }
     return db;

@@ -60,7 +60,9 @@ void subTestStatusCounterTable()
     int failure = 0;
     qint64 rows = 0;
     for (;;) {
-        subOpenDatabase();
+        // A failed open has been told; the caller deals with the closed handle.
+        if (!subOpenDatabase())
+            return;
         try {
             rows = gdbMain.scalar(QStringLiteral("SELECT count(*) FROM StatusCounterTable")).toLongLong();
             failure = 0;

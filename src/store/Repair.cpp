@@ -31,13 +31,60 @@ QString folderOf(const QString &localFile)
     return QFileInfo(localFile).absolutePath() + QLatin1Char('/');
 }
 
-// Ten generations: the oldest goes, the rest move one along. A generation
-// that is missing or cannot be moved is simply skipped.
+bool present(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
+}
+
+StoreError noRoom(const QString &name, const QString &why)
+{
+    return StoreError(err::PathFileAccess,
+                      QStringLiteral("There is no room for a new backup: '%1' could not be %2. The repair was "
+                                     "stopped before anything was copied; every backup is as it was.")
+                          .arg(QFileInfo(name).fileName(), why));
+}
+
+// Ten generations: the oldest goes, the rest move one along; a missing
+// generation is skipped. A generation that cannot make way stops it all
+// (75) with every backup put back as it was, so that the new copy never
+// lands on the newest one.
 void rotateBackups(const QString &folder, const QString &prefix)
 {
-    Compact::removeFile(folder + prefix + threeDigits(9));
-    for (int n = 8; n >= 0; --n)
-        QFile::rename(folder + prefix + threeDigits(n), folder + prefix + threeDigits(n + 1));
+    const auto name = [&](int n) { return folder + prefix + threeDigits(n); };
+    // The oldest waits under a hidden name until the others have moved, so
+    // that it can be put back.
+    const QString aside = folder + QLatin1Char('.') + prefix + threeDigits(9) + QStringLiteral(".leaving");
+    if (present(aside) && !Compact::removeFile(aside))  // left by a run that was cut short
+        throw noRoom(aside, QStringLiteral("removed"));
+    bool setAside = false;
+    if (present(name(9))) {
+        if (QFileInfo(name(9)).isDir())
+            throw noRoom(name(9), QStringLiteral("removed: it is a folder"));
+        QFile oldest(name(9));
+        if (!oldest.rename(aside))
+            throw noRoom(name(9), QStringLiteral("removed (%1)").arg(oldest.errorString()));
+        setAside = true;
+    }
+    QList<int> moved;
+    for (int n = 8; n >= 0; --n) {
+        if (!present(name(n)))
+            continue;
+        QFile generation(name(n));
+        if (!generation.rename(name(n + 1))) {
+            const StoreError failure =
+                noRoom(name(n), QStringLiteral("moved to %1 (%2)").arg(prefix + threeDigits(n + 1), generation.errorString()));
+            for (auto it = moved.crbegin(); it != moved.crend(); ++it)
+                QFile::rename(name(*it + 1), name(*it));
+            if (setAside)
+                QFile::rename(aside, name(9));
+            throw failure;
+        }
+        moved << n;
+    }
+    // Its name is free already; a file that could be renamed can be removed.
+    if (setAside)
+        Compact::removeFile(aside);
 }
 
 void pauseASecond()
@@ -155,12 +202,10 @@ void subResetActiveFlags(Database &db)
     const QString table = QStringLiteral("EmployeeTable");
     const QString field = QStringLiteral("ActiveFlag");
     Recordset rs = db.openTable(table, field + QStringLiteral(" = ?"), {QStringLiteral("Yes")});
-    if (rs.eof()) {
-        // With nobody active a row of defaults is tried; a "Guest" already
-        // there refuses it, and the caller's handler gets the failure.
-        const qint64 added = db.addRow(table);
-        rs = db.openTable(table, QStringLiteral("rowid = ?"), {added});
-    }
+    // With nobody active there is nothing to do. (A row of defaults added
+    // here would be refused by a Guest, or become a user with no settings.)
+    if (rs.eof())
+        return;
     // The old engine gathered edits made outside a transaction and wrote
     // them out together; one commit for the whole walk does the same, instead
     // of a flush to disk for every active user.

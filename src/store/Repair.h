@@ -10,7 +10,8 @@ class Database;
 // failure messages.
 void subCompactDatabase();
 
-// Every "Yes" in EmployeeTable.ActiveFlag becomes "No".
+// Every "Yes" in EmployeeTable.ActiveFlag becomes "No"; with none there,
+// nothing is done and nothing shown.
 void subResetActiveFlags(Database &db);
 
 // The one-shot route of the command line: "REPAIR" (any case) rotates

@@ -405,7 +405,9 @@ QString columnDefinition(const QString &tableName, const Field &f)
     // Column-level constraints only: a column can then be dropped later.
     switch (f.type) {
     case Boolean:
-        def += check(tableName, f, QStringLiteral("0 or 1"), QStringLiteral("%1 IN (0, 1)").arg(q(f.name)));
+        // 1 is written for true; -1 is the True of the board's older engine,
+        // which site tools and user programs may still write.
+        def += check(tableName, f, QStringLiteral("-1, 0 or 1"), QStringLiteral("%1 IN (-1, 0, 1)").arg(q(f.name)));
         break;
     case Integer:
         def += wholeNumberCheck(tableName, f, -32768, 32767);

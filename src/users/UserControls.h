@@ -28,7 +28,8 @@ private:
     QMap<int, QRadioButton *> m_buttons;
 };
 
-// Check boxes hold the column's 0 or 1; Null reads as 0.
+// Check boxes show any non-zero value as checked (-1 is the older engine's True)
+// and write 1; Null reads as unchecked.
 void setCheck(QCheckBox *box, const QVariant &value);
 int checkValue(const QCheckBox *box);
 

@@ -164,6 +164,10 @@ private slots:
         const long long counted = counterOf(other, "ExtraColumnsCounter");
         addColumn(c, "Extension", false);
         other.execute("UPDATE EmployeeTable SET New_Extension = '2231' WHERE Name = 'Bob'");
+        // A site tool's True, as the older engine wrote it, is taken and read as set.
+        other.execute("UPDATE EmployeeTable SET New_ExtensionReadOnly = -1");
+        c.clickNode("Columns");
+        QCOMPARE(c.column(1).value(c.rowOf("Extension")), QString("Yes"));
         const QString room = valuesOf(other, "Room");
 
         bool ticked = false;

@@ -17,6 +17,8 @@
 #include <QFile>
 #include <QTest>
 
+#include <optional>
+
 using namespace ConsoleTest;
 
 namespace {
@@ -306,26 +308,33 @@ private slots:
     }
 
     // Groups retry their query, Columns reopen the database: three tries a
-    // second apart, then one report.
+    // second apart, then one report. The console's handle stays usable for
+    // the lists that follow.
     void retryThreeTimesThenReport_data()
     {
         QTest::addColumn<QString>("node");
+        QTest::addColumn<QString>("condition");
         QTest::addColumn<QString>("error");  // the report's start
-        QTest::newRow("Groups, table gone") << "Groups" << "error: ";
-        QTest::newRow("Columns, database moved") << "Columns" << "error: 3024 - ";
+        QTest::newRow("Groups, table gone") << "Groups" << "table gone" << "error: ";
+        QTest::newRow("Columns, database moved") << "Columns" << "moved" << "error: 3024 - ";
+        QTest::newRow("Columns, held by another program") << "Columns" << "held" << "error: 3045 - ";
     }
     void retryThreeTimesThenReport()
     {
         QFETCH(QString, node);
+        QFETCH(QString, condition);
         QFETCH(QString, error);
         Console c([&](Database &db) {
-            if (node == "Groups") {
+            if (condition == "table gone") {
                 db.execute("PRAGMA foreign_keys = OFF");
                 db.execute("DROP TABLE GroupTable");
             }
         });
-        if (node == "Columns")
+        std::optional<TestSupport::ExternalHolder> holder;
+        if (condition == "moved")
             QVERIFY(QFile::rename(c.databaseFile(), c.site().local("moved.mdb")));
+        if (condition == "held")
+            QVERIFY(holder.emplace(c.databaseFile(), TestSupport::ExternalHolder::Hold::Exclusive).started());
         QElapsedTimer t;
         t.start();
         gRefreshListView(node);
@@ -333,6 +342,12 @@ private slots:
         const QStringList texts = messageTexts();
         QCOMPARE(texts.size(), 1);
         QVERIFY2(texts[0].startsWith(error) && (node != "Groups" || texts[0].contains("GroupTable")), qPrintable(texts[0]));
+
+        holder.reset();
+        Msg::clearTranscript();
+        gRefreshListView("Users");
+        QCOMPARE(messageTexts(), QStringList());
+        QCOMPARE(c.texts(), QStringList{"Guest"});
     }
 
     void deletedUnderTheReaderAsksForRepair()

@@ -14,6 +14,7 @@
 #include "platform/Twips.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -222,13 +223,33 @@ private slots:
         QVERIFY(!gdbMain.isOpen());
     }
 
+    // Alt+Home brings a lost window back wherever the focus is in it; the
+    // tree and the list do not take the key for their own Home.
+    void lostWindowRescue_data()
+    {
+        QTest::addColumn<QString>("focus");
+        QTest::newRow("window") << "window";
+        QTest::newRow("tree") << "tree";
+        QTest::newRow("list") << "list";
+    }
     void lostWindowRescue()
     {
+        QFETCH(QString, focus);
         Console c([](Database &db) { db.execute("UPDATE AdminSettingsTable SET ScreenLeft = 30000, ScreenTop = 20000"); });
         QCOMPARE(c.w().pos().x(), Twips::toPixelsX(30000));  // applied without a test
-        QTest::keyClick(&c.w(), Qt::Key_Home, Qt::AltModifier);
+        c.w().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&c.w()));
+        QWidget *target = focus == "tree" ? static_cast<QWidget *>(c.tree())
+                          : focus == "list" ? static_cast<QWidget *>(c.list()) : &c.w();
+        target->setFocus();
+        QWidget *focused = QApplication::focusWidget() ? QApplication::focusWidget() : target;
+        QVERIFY(focus == "window" || target->isAncestorOf(focused) || focused == target);
+        const QStringList rows = c.texts();
+        QTest::keyClick(focused, Qt::Key_Home, Qt::AltModifier);
         QCOMPARE(c.w().pos(), QPoint(0, 0));
         QCOMPARE(c.w().windowState(), Qt::WindowNoState);
+        QCOMPARE(c.w().selectedNodeText(), QString("Users"));  // not "Items"
+        QCOMPARE(c.texts(), rows);
     }
 
     // The two marked Tools entries read their setting at start and keep a

@@ -1,14 +1,37 @@
-// The table store: its own exclusive open, editing through recordsets.
-// Opens refused for another program's lock or for the file's content, and
+// The table store: its own exclusive open, another program's locks at an
+// open, editing through recordsets. Opens refused for the file's content, and
 // writes refused for a lock, are proven with their messages by the start,
 // repair, user and console tests.
 #include "../store/StoreFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QTest>
+#include <QThread>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <optional>
 
 using StoreFixtures::failureOf;
+using TestSupport::ExternalHolder;
+
+// Whether another process has taken SQLite's pending byte: a writer that
+// waits for the readers to finish before it commits.
+static bool pendingWriter(const QString &local)
+{
+    const int fd = ::open(QFile::encodeName(local).constData(), O_RDONLY);
+    struct flock query {};
+    query.l_type = F_RDLCK;
+    query.l_whence = SEEK_SET;
+    query.l_start = 0x40000000;
+    query.l_len = 1;
+    const bool taken = fd >= 0 && ::fcntl(fd, F_GETLK, &query) == 0 && query.l_type == F_WRLCK;
+    ::close(fd);
+    return taken;
+}
 
 static void makeSmallDatabase(const QString &local)
 {
@@ -33,6 +56,51 @@ private slots:
         QVERIFY(other.run(".timeout 0\nSELECT count(*) FROM T;").contains("locked"));
         mine.close();
         QCOMPARE(other.run("SELECT count(*) FROM T;"), QString("3"));
+    }
+
+    // What another program's lock means at an open: a program holding the
+    // file to itself (3045), or one whose lock passes, readers in the way of
+    // a writer about to commit (3050).
+    void locksAtOpen_data()
+    {
+        QTest::addColumn<QString>("other");
+        QTest::addColumn<int>("shared");     // failure of a shared open, 0: opened
+        QTest::addColumn<int>("exclusive");  // of an exclusive one
+        QTest::newRow("holds it to itself") << "exclusive" << 3045 << 3045;
+        QTest::newRow("writer waiting for a reader") << "pending" << 3050 << 3050;
+        QTest::newRow("write not yet committed") << "write" << 0 << 3050;
+        QTest::newRow("reading") << "read" << 0 << 3050;
+    }
+    void locksAtOpen()
+    {
+        QFETCH(QString, other);
+        QFETCH(int, shared);
+        QFETCH(int, exclusive);
+        TestSupport::Site site;
+        const QString local = site.local("tavello.mdb");
+        makeSmallDatabase(local);
+        std::optional<ExternalHolder> reader, writer;
+        if (other == "exclusive") {
+            QVERIFY(writer.emplace(local, ExternalHolder::Hold::Exclusive).started());
+        } else if (other == "pending") {
+            QVERIFY(reader.emplace(local, ExternalHolder::Hold::Read).started());
+            QVERIFY(writer.emplace(local, ExternalHolder::Hold::Write, "INSERT INTO T (Name) VALUES ('late');").started());
+            writer->send("COMMIT;");  // waits for the reader, holding the pending byte meanwhile
+            QElapsedTimer clock;
+            clock.start();
+            while (!pendingWriter(local) && clock.elapsed() < 5000)
+                QThread::msleep(20);
+            QVERIFY(pendingWriter(local));
+        } else {
+            QVERIFY(writer.emplace(local, other == "write" ? ExternalHolder::Hold::Write : ExternalHolder::Hold::Read).started());
+        }
+        QCOMPARE(failureOf([&] { Database::open(site.shareUnc() + "tavello.mdb").close(); }), shared);
+        QCOMPARE(failureOf([&] { Database::open(site.shareUnc() + "tavello.mdb", Database::Mode::Exclusive).close(); }), exclusive);
+        reader.reset();  // the waiting writer commits now
+        if (other == "pending")
+            QCOMPARE(writer->run("SELECT count(*) FROM T;"), QString("4"));
+        writer.reset();
+        QCOMPARE(failureOf([&] { Database::open(site.shareUnc() + "tavello.mdb", Database::Mode::Exclusive).close(); }), 0);
     }
 
     void writesAndRecordsets()

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unistd.h>
 
 using namespace RepairFixtures;
 using TestSupport::ExternalHolder;
@@ -103,14 +104,12 @@ private slots:
         QTest::newRow("index pages only") << "" << no << no << indexes << 0 << "" << "" << done;
         QTest::newRow("leaves and index pages") << "" << no << leaves << indexes << 0 << "" << "" << done;
         QTest::newRow("leaves and stray bytes at the end") << "" << no << leaves << noIndex << 1000 << "" << "" << done;
-        // With nobody active a row of defaults is added, made inactive like
-        // any other; a Guest row already there stands in its way.
+        // With nobody active the reset does nothing: no row of defaults, no failure.
         QTest::newRow("nobody active, no Guest")
             << "" << no << no << noIndex << 0 << "DELETE FROM EmployeeTable WHERE ActiveFlag = 'Yes' OR Name = 'Guest'"
-            << "FROM EmployeeTable WHERE Name = 'Guest' AND ActiveFlag = 'No' AND Status = 'Please Set'" << done;
+            << "" << done;
         QTest::newRow("nobody active, a Guest")
-            << "" << no << no << noIndex << 0 << "DELETE FROM EmployeeTable WHERE ActiveFlag = 'Yes'" << ""
-            << QStringList{"Error (3022 ) in Admin - subCompactDatabase event.", "TAVELLO database repair/compact failed."};
+            << "" << no << no << noIndex << 0 << "DELETE FROM EmployeeTable WHERE ActiveFlag = 'Yes'" << "" << done;
     }
 
     // The untouched file becomes the newest backup, the older ones move one
@@ -250,6 +249,76 @@ private slots:
         QCOMPARE(bytesOf(live), before);
         QVERIFY(!backedUp || bytesOf(site.local(backup)) == before);
         QCOMPARE(filesIn(site.shareFolder()), expectedFiles);
+    }
+
+    // A rotation that cannot make room stops the repair before the copy, and
+    // every backup, the live file too, stays as it was.
+    void rotationWithoutRoom_data()
+    {
+        QTest::addColumn<QString>("commandLine");  // none: OK in the dialog
+        QTest::addColumn<QString>("obstacle");
+        QTest::addColumn<QString>("why");          // in the text of the failure
+        QTest::newRow("dialog, the oldest is a folder") << "" << "folder" << "'<9>' could not be removed: it is a folder.";
+        QTest::newRow("command line, the oldest is a folder") << "REPAIR" << "folder" << "'<9>' could not be removed: it is a folder.";
+        QTest::newRow("dialog, a generation cannot move") << "" << "unchangeable" << "'<4>' could not be moved to <5> (";
+        QTest::newRow("command line, a generation cannot move") << "REPAIR" << "unchangeable" << "'<4>' could not be moved to <5> (";
+    }
+    void rotationWithoutRoom()
+    {
+        QFETCH(QString, commandLine);
+        QFETCH(QString, obstacle);
+        QFETCH(QString, why);
+        const QString prefix = commandLine.isEmpty() ? DialogPrefix : OneShotPrefix;
+        Site site;
+        const QString live = boardAt(site);
+        for (int n = 0; n <= 8; ++n)
+            QVERIFY(writeBytes(site.local(generation(prefix, n)), QByteArray::number(n)));
+        if (obstacle == "folder")
+            QVERIFY(QDir(site.shareFolder()).mkpath(generation(prefix, 9) + "/kept"));
+        else
+            QVERIFY(writeBytes(site.local(generation(prefix, 9)), "9"));
+        // Without write permission a file can still be renamed: only the
+        // immutable flag, which takes root, makes the rename itself fail.
+        if (obstacle == "unchangeable" && ::geteuid() != 0)
+            QSKIP("only root can make a file that cannot be renamed");
+        std::optional<TestSupport::Unchangeable> stuck;
+        if (obstacle == "unchangeable" && !stuck.emplace(site.local(generation(prefix, 4))).ok())
+            QSKIP("no way to make a file unchangeable here");
+        const QStringList files = filesIn(site.shareFolder());
+        const QByteArray before = bytesOf(live);
+        const quint64 inode = inodeOf(live);
+
+        if (commandLine.isEmpty())
+            pressInDialog(0);
+        else
+            QVERIFY(subOneShotRepair(commandLine));
+        stuck.reset();
+
+        why.replace("<9>", generation(prefix, 9)).replace("<4>", generation(prefix, 4)).replace("<5>", generation(prefix, 5));
+        const QString failure = "There is no room for a new backup: " + why;
+        if (commandLine.isEmpty()) {
+            QCOMPARE(boxes(), QStringList({"Cannot complete the current operation due to the following error: (75 ) ",
+                                           "TAVELLO database repair/compact failed."}));
+            QVERIFY2(Msg::transcript()[0].text.contains("\r" + failure), qPrintable(Msg::transcript()[0].text));
+            QVERIFY(Msg::transcript()[0].text.contains("The repair was stopped before anything was copied; every backup is as it was."));
+        } else {
+            QCOMPARE(boxes(), QStringList());
+            QVERIFY2(scalar(live, "SELECT Status FROM TransactionLogTable WHERE Name = 'Admin'").toString()
+                         .startsWith("REPAIR FAILED. " + failure),
+                     qPrintable(scalar(live, "SELECT Status FROM TransactionLogTable").toString()));
+        }
+        QVERIFY(gdbMain.isOpen());  // back on the live file
+        gdbMain.close();
+        QCOMPARE(filesIn(site.shareFolder()), files);
+        for (int n = 0; n <= 8; ++n)
+            QCOMPARE(bytesOf(site.local(generation(prefix, n))), QByteArray::number(n));
+        if (obstacle == "folder")
+            QVERIFY(QFileInfo(site.local(generation(prefix, 9) + "/kept")).isDir());
+        else
+            QCOMPARE(bytesOf(site.local(generation(prefix, 9))), QByteArray("9"));
+        QCOMPARE(inodeOf(live), inode);
+        if (commandLine.isEmpty())
+            QCOMPARE(bytesOf(live), before);
     }
 
     void notRepaired_data()

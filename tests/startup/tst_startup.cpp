@@ -4,6 +4,7 @@
 #include "core/Admin1.h"
 #include "core/Global.h"
 #include "platform/Database.h"
+#include "platform/Hourglass.h"
 #include "platform/IniFile.h"
 #include "platform/MessageBox.h"
 #include "platform/Modal.h"
@@ -13,8 +14,15 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QElapsedTimer>
+#include <QLocalServer>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
+
+#include <optional>
+#include <unistd.h>
 
 using TestSupport::ExternalHolder;
 
@@ -76,16 +84,16 @@ private slots:
             return QStringList{"Database Not Found|The path " + path + " appears to be incorrect.\rPress OK to edit the Database Path."};
         };
         QTest::newRow("3024 missing file: created silently") << "none" << Share << QStringList() << "" << false;
-        QTest::newRow("53 file not found") << "dangling" << Share
+        QTest::newRow("53 file not found, path window cancelled") << "dangling" << Share
             << QStringList{dbErr + "File not found: '" + Share + "tavello.mdb' points to a file that does not exist.\r"
-                                   "The database could not be found at the location specified in the tavello.ini file. "} << "frmDataPath" << false;
+                                   "The database could not be found at the location specified in the tavello.ini file. "} << "frmDataPath" << true;
         QTest::newRow("3044 bad path") << "none" << Share + "nowhere\\" << badPath(Share + "nowhere\\") << "frmDataPath" << true;
         QTest::newRow("3044 unknown server") << "none" << "\\\\NOSERVER\\SHARE\\" << badPath("\\\\NOSERVER\\SHARE\\") << "frmDataPath" << true;
         QTest::newRow("3055 bad file name") << "none" << Share + "a|b\\" << badPath(Share + "a|b\\") << "frmDataPath" << true;
-        QTest::newRow("3045 held by another program") << "exclusive" << Share
-            << QStringList{App + "|Error (3045 ) in Admin - InitializeLocalDatabase event.\rCould not use '" + Share + "tavello.mdb'; "
-                                 "file already in use by another program.\r"
-                                 "Probable cause - Someone MAY have the database open using MS Access 2000."} << "" << true;
+        QTest::newRow("3024, folder cannot be written") << "unchangeable" << ""
+            << QStringList{dbErr + "The database <program>/tavello.mdb could not be created (error 3044).\r"
+                                   "Make sure that the folder exists and can be written to, or choose another database path."}
+            << "" << false;
         QTest::newRow("3049 damaged") << "damaged" << Share
             << QStringList{dbErr + "The database file is damaged (database disk image is malformed).\r"
                                    "The database is damaged and must be repaired.  Probable cause - someone switched off or crashed "
@@ -112,16 +120,16 @@ private slots:
         TestSupport::Site site;
         QVERIFY(IniFile::writeKey(site.iniFile(), "DataPath", "DataPath", dataPath));
         const QString file = site.local("tavello.mdb");
-        std::unique_ptr<ExternalHolder> holder;
+        std::optional<TestSupport::Unchangeable> readOnly;
+        if (condition == "unchangeable" && !readOnly.emplace(site.programFolder()).ok())
+            QSKIP("no way to make a folder unchangeable here");
         if (condition == "dangling")
             QVERIFY(QFile::link(site.local("moved-away.mdb"), file));
         else if (condition == "foreign")
             overwrite(file, 0, QByteArray("This is a spreadsheet, not a board.\n").repeated(100));
-        else if (condition != "none")
+        else if (condition != "none" && condition != "unchangeable")
             QCOMPARE(CreateDatabase(file), 0);
-        if (condition == "exclusive")
-            holder = std::make_unique<ExternalHolder>(file, ExternalHolder::Hold::Exclusive);
-        else if (condition == "damaged")
+        if (condition == "damaged")
             overwrite(file, 100, QByteArray(3000, '\x33'));
         else if (condition == "newer")
             overwrite(file, 44, QByteArray("\x00\x00\x00\x09", 4));  // a schema format this store cannot read
@@ -131,18 +139,233 @@ private slots:
         gstrAppPath = site.programFolder() + "/";
         InitializeLocalDatabase();
 
+        for (QString &m : messages)
+            m.replace("<program>", site.programFolder());
         QCOMPARE(shown(), messages);
         QCOMPARE(m_dialogs, dialog.isEmpty() ? QStringList() : QStringList{dialog});
         QCOMPARE(gbolEnding, ends);
-        holder.reset();
         if (!before.isEmpty()) {
             QVERIFY(f.open(QIODevice::ReadOnly));
             QCOMPARE(f.readAll(), before);  // never overwritten, truncated or replaced
         }
         if (condition == "none" && dataPath == Share)
             QCOMPARE(rowCount(file, "StatusTypesTable"), 3);
+        if (condition == "unchangeable")
+            QVERIFY(!gdbMain.isOpen() && !QFile::exists(site.programFolder() + "/tavello.mdb"));
         if (dataPath.startsWith("G:"))
             QVERIFY(!gdbMain.isOpen() && gbolIniFound);
+    }
+
+    // Whatever goes wrong with the database path, a start ends: after the
+    // failure the Database Path window, and with Cancel there the console's
+    // unload and a failure exit code. Run as a real process, which a start
+    // that never ends would leave running.
+    void startAlwaysEnds_data()
+    {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QString>("dataPath");  // in tavello.ini
+        QTest::addColumn<QString>("typed");     // into the Database Path window, "" = Cancel
+        QTest::addColumn<QStringList>("lines"); // what the run showed, in order
+        QTest::addColumn<int>("exitCode");
+        const QString unc = "box " + App + "|The UNC path is missing from the tavello.ini file on the server. \\r"
+                                           "Please select the File / DataPath menu item to rectify this problem.";
+        const QString window = "window frmDataPath";
+        QTest::newRow("drive letter, cancelled") << "database" << "G:\\Apps\\Tavello" << "" << QStringList{unc, window} << 1;
+        QTest::newRow("drive letter, mended") << "database" << "G:\\Apps\\Tavello" << Share
+                                              << QStringList{unc, window, "up"} << 0;
+        QTest::newRow("program folder cannot be written") << "unchangeable" << "" << ""
+            << QStringList{"box " + App + " - Database Error|The database <program>/tavello.mdb could not be created (error 3044).\\r"
+                                          "Make sure that the folder exists and can be written to, or choose another database path.",
+                           window} << 1;
+        QTest::newRow("file missing behind its link, cancelled") << "dangling" << Share << ""
+            << QStringList{"box " + App + " - Database Error|File not found: '" + Share + "tavello.mdb' points to a file that "
+                                          "does not exist.\\rThe database could not be found at the location specified in the "
+                                          "tavello.ini file. ",
+                           window,
+                           // the unload's own reminder: forceshutdown.ini was read before the open
+                           "box " + App + "|REMINDER: on Admin Exit\\r\\n\\r\\nForce Shut Down has been activated and is still in "
+                                          "effect.\\r\\n\\r\\nTo deactivate Force Shut Down,\\r\\nUse menu item Tools | Force Shut "
+                                          "Down (when you restart ADMIN)."} << 1;
+    }
+    void startAlwaysEnds()
+    {
+        QFETCH(QString, condition);
+        QFETCH(QString, dataPath);
+        QFETCH(QString, typed);
+        QFETCH(QStringList, lines);
+        QFETCH(int, exitCode);
+        TestSupport::Site site;
+        QVERIFY(IniFile::writeKey(site.iniFile(), "DataPath", "DataPath", dataPath));
+        if (condition == "dangling")
+            QVERIFY(IniFile::writeKey(site.local("forceshutdown.ini"), "ForceShutDown", "ForceShutDown", "True"));
+        std::optional<TestSupport::Unchangeable> readOnly;
+        if (condition == "unchangeable" && !readOnly.emplace(site.programFolder()).ok())
+            QSKIP("no way to make a folder unchangeable here");
+        if (condition == "dangling")
+            QVERIFY(QFile::link(site.local("moved-away.mdb"), site.local("tavello.mdb")));
+        if (condition == "database")
+            QCOMPARE(CreateDatabase(site.local("tavello.mdb")), 0);
+
+        QProcess console;
+        console.start(STARTUP_HELPER, {site.programFolder(), typed});
+        QVERIFY(console.waitForStarted());
+        if (!console.waitForFinished(60000)) {
+            console.kill();
+            console.waitForFinished();
+            QFAIL("the start never ended");
+        }
+        QCOMPARE(console.exitStatus(), QProcess::NormalExit);
+        QStringList printed = QString::fromUtf8(console.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        for (QString &line : lines)
+            line.replace("<program>", site.programFolder());
+        QCOMPARE(printed, lines);
+        QCOMPARE(console.exitCode(), exitCode);
+        if (!typed.isEmpty())  // the mended path is kept
+            QCOMPARE(IniFile::readKey(site.iniFile(), "DataPath", "DataPath"), typed);
+    }
+
+    // Another console's repair holds the file to itself for three seconds
+    // while this one starts: the start waits, and comes up on the same
+    // file with every row.
+    void busyFileAcrossTheStart()
+    {
+        TestSupport::Site site;
+        QVERIFY(IniFile::writeKey(site.iniFile(), "DataPath", "DataPath", Share));
+        const QString file = site.local("tavello.mdb");
+        QCOMPARE(CreateDatabase(file), 0);
+        {
+            Database db = Database::open(file);
+            for (const QString name : {"Ann", "Ben", "Cy"})
+                db.execute("INSERT INTO EmployeeTable (Name, UID) VALUES (?, ?)", {name, name});
+        }
+        auto holder = std::make_unique<ExternalHolder>(file, ExternalHolder::Hold::Exclusive);
+        QTimer release;
+        release.setSingleShot(true);
+        QObject::connect(&release, &QTimer::timeout, [&] { holder.reset(); });
+        release.start(3000);
+        QElapsedTimer clock;
+        clock.start();
+        frmMain w;
+        QVERIFY(w.load());
+        QVERIFY(clock.elapsed() >= 2900);
+        QCOMPARE(shown(), QStringList());
+        QCOMPARE(QDir(site.shareFolder()).entryList(QDir::Files), QStringList{"tavello.mdb"});  // nothing renamed
+        QCOMPARE(QFileInfo(gdbMain.localPath()).canonicalFilePath(), QFileInfo(file).canonicalFilePath());
+        QCOMPARE(w.userCountText(), QString(" 4 "));
+        w.close();
+        QCOMPARE(rowCount(file, "EmployeeTable"), 4);
+    }
+
+    // Only a file that opened and read correctly and is no 2005 database is
+    // set aside as older data; a busy one is waited for, an unreadable one
+    // stays where it is.
+    void olderDataOnlyWhenReadable_data()
+    {
+        QTest::addColumn<QString>("condition");
+        QTest::addColumn<QStringList>("messages");  // exact, as "title|text"
+        QTest::addColumn<bool>("setAside");
+        const QString cannot = App + " - Database Error|The database " + Share + "tavello.mdb could not be opened or read (error ";
+        QTest::newRow("held by another program") << "exclusive" << QStringList() << false;
+        QTest::newRow("writer waiting for a reader") << "pending" << QStringList() << false;
+        QTest::newRow("damaged") << "damaged"
+            << QStringList{cannot + "3049):\rThe database file is damaged (database disk image is malformed).\r\r"
+                                    "The file has been left where it is."} << false;
+        QTest::newRow("cannot be opened") << "unopenable"
+            << QStringList{cannot + "3051):\rCannot open the file '<file>'. You may not have permission to use it.\r\r"
+                                    "The file has been left where it is."} << false;
+        QTest::newRow("no GlobalSettingsTable") << "no settings table"
+            << QStringList{"Not a valid 2005 Tavello Database|Error: This is NOT a 2005 Tavello database."} << true;
+    }
+    void olderDataOnlyWhenReadable()
+    {
+        QFETCH(QString, condition);
+        QFETCH(QStringList, messages);
+        QFETCH(bool, setAside);
+        TestSupport::Site site;
+        site.useShareAsDataPath();
+        const QString file = site.local("tavello.mdb");
+        std::optional<ExternalHolder> reader, writer;
+        QLocalServer socket;
+        if (condition == "unopenable" && ::geteuid() == 0) {
+            // Permissions do not stop root: a socket cannot be opened by anyone.
+            QVERIFY(socket.listen(file));
+        } else {
+            QCOMPARE(CreateDatabase(file), 0);
+        }
+        if (condition == "unopenable" && ::geteuid() != 0)
+            QVERIFY(QFile::setPermissions(file, {}));
+        if (condition == "no settings table")
+            Database::open(file).execute("DROP TABLE GlobalSettingsTable");
+        if (condition == "damaged")
+            overwrite(file, 100, QByteArray(3000, '\x33'));
+        if (condition == "exclusive")
+            QVERIFY(writer.emplace(file, ExternalHolder::Hold::Exclusive).started());
+        if (condition == "pending") {
+            QVERIFY(reader.emplace(file, ExternalHolder::Hold::Read).started());
+            QVERIFY(writer.emplace(file, ExternalHolder::Hold::Write, "UPDATE GroupTable SET GroupName = GroupName;").started());
+            writer->send("COMMIT;");  // holds the pending byte, waiting for the reader
+            QTest::qWait(300);
+        }
+        QTimer release;  // the other program lets go while the check waits
+        release.setSingleShot(true);
+        QObject::connect(&release, &QTimer::timeout, [&] {
+            reader.reset();
+            if (condition == "exclusive")
+                writer.reset();
+        });
+        release.start(2000);
+        bool hourglassWhileWaiting = false;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] { hourglassWhileWaiting = hourglassWhileWaiting || Hourglass::shown(); });
+        watch.start(100);
+        if (setAside)
+            Msg::queueAnswers({Msg::OK, Msg::No});  // no conversion: a blank database
+        subCheckDBVersionForConversion();
+        watch.stop();
+
+        const QStringList older = QDir(site.shareFolder()).entryList({"tavello2002or2003backup*.mdb"});
+        QCOMPARE(older.size(), setAside ? 1 : 0);
+        QStringList expected = messages;
+        for (QString &m : expected)
+            m.replace("<file>", file);
+        QCOMPARE(shown().mid(0, expected.size()), expected);
+        if (condition == "exclusive" || condition == "pending") {
+            QVERIFY(!release.isActive());  // the check lasted until the other program let go
+            QVERIFY(hourglassWhileWaiting);
+            QVERIFY(gdbMain.isOpen());
+            QCOMPARE(gdbMain.scalar("SELECT count(*) FROM GroupTable").toInt(), 1);
+        }
+        gdbMain.close();
+        writer.reset();
+        if (condition == "unopenable" && ::geteuid() != 0)
+            QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+    }
+
+    // A file that turns foreign while the console runs ends it, with the
+    // unload of an ordinary exit: the settings are tried and the reminder shown.
+    void foreignFileWhileRunning()
+    {
+        TestSupport::Site site;
+        QVERIFY(IniFile::writeKey(site.iniFile(), "DataPath", "DataPath", Share));
+        QVERIFY(IniFile::writeKey(site.local("forceshutdown.ini"), "ForceShutDown", "ForceShutDown", "True"));
+        const QString file = site.local("tavello.mdb");
+        QCOMPARE(CreateDatabase(file), 0);
+        frmMain w;
+        QVERIFY(w.load());
+        Msg::clearTranscript();
+        overwrite(file, 0, QByteArray("This is a spreadsheet, not a board.\n").repeated(200));
+        gRefreshListView("Groups");  // the list that opens the file afresh
+        const QString foreign = "Unrecognized database format: the file is not a database of this program.";
+        QCOMPARE(shown(), QStringList({
+            App + " - Fatal Error in Global - subOpenDatabase event|" + foreign + "\rThe database is damaged and must be repaired.",
+            App + "|Error (3343 ) in frmMain - subSaveAdminSettings event.\r" + foreign +
+                "\r\rUnable to save Admin settings at this time. Press OK to exit.",
+            App + "|REMINDER: on Admin Exit\r\n\r\nForce Shut Down has been activated and is still in effect.\r\n\r\n"
+                  "To deactivate Force Shut Down,\r\nUse menu item Tools | Force Shut Down (when you restart ADMIN).",
+        }));
+        QVERIFY(gbolEnding);
+        QVERIFY(!gdbMain.isOpen());
+        QVERIFY(m_dialogs.isEmpty());
     }
 
     void olderFileConversionOffer_data()

@@ -200,7 +200,7 @@ private slots:
             {"I", {{32767, true}, {-32768, true}, {32768, false}, {-32769, false}, {"12", true}, {"twelve", false}, {2.5, false}}},
             {"L", {{2147483647, true}, {qint64(-2147483648LL), true}, {qint64(2147483648LL), false},
                    {qint64(-2147483649LL), false}, {"twelve", false}}},
-            {"B", {{0, true}, {1, true}, {true, true}, {2, false}, {-1, false}, {"yes", false}}},
+            {"B", {{0, true}, {1, true}, {true, true}, {-1, true}, {2, false}, {-2, false}, {"yes", false}}},
             {"D", {{2.5, true}, {-45000.25, true}}}};
         for (const auto &[value, accepted] : numbers.value(f.type == "DT" ? "D" : f.type))
             if (!f.autoIncrement || value.toLongLong() >= 1)  // a message's row id is never below 1
@@ -240,6 +240,10 @@ private slots:
         QTest::newRow("user name of 250") << "INSERT INTO EmployeeTable (Name) VALUES ('" + n250 + "');" << "";
         QTest::newRow("user name of 251") << "INSERT INTO EmployeeTable (Name) VALUES ('" + n250 + "n');"
                                           << "CHECK constraint failed: EmployeeTable.Name: at most 250 characters";
+        QTest::newRow("Yes/No field, True of the older engine")
+            << "INSERT INTO GlobalSettingsTable (AllowMessaging, AllowStatusAlerts) VALUES (-1, -1);" << "";
+        QTest::newRow("Yes/No field, 2") << "INSERT INTO GlobalSettingsTable (AllowMessaging) VALUES (2);"
+                                         << "CHECK constraint failed: GlobalSettingsTable.AllowMessaging: -1, 0 or 1";
         QTest::newRow("32-bit overflow") << "INSERT INTO StatusCounterTable (Counter) VALUES (2147483648);"
                                          << "CHECK constraint failed: StatusCounterTable.Counter: whole number";
         QTest::newRow("key blind to case") << "INSERT INTO GroupTable (GroupName) VALUES ('Sales'), ('SALES');"

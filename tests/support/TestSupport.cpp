@@ -12,6 +12,8 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <unistd.h>
+
 namespace TestSupport {
 
 void resetGlobals()
@@ -141,6 +143,14 @@ QString ExternalHolder::run(const QString &sql)
     return QString::fromUtf8(out).trimmed();
 }
 
+void ExternalHolder::send(const QString &sql)
+{
+    if (!m_started)
+        return;
+    m_proc.write(sql.toUtf8() + "\n");
+    m_proc.waitForBytesWritten(5000);
+}
+
 void ExternalHolder::release()
 {
     if (m_holding)
@@ -153,6 +163,26 @@ void ExternalHolder::commit()
     if (m_holding)
         run(QStringLiteral("COMMIT;"));
     m_holding = false;
+}
+
+Unchangeable::Unchangeable(const QString &path) : m_path(path)
+{
+    if (::geteuid() == 0) {
+        // Permission bits do not stop root; the immutable flag does.
+        m_immutable = QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("+i"), path}) == 0;
+        m_ok = m_immutable;
+        return;
+    }
+    const QFile::Permissions p = QFile::permissions(path);
+    m_ok = QFile::setPermissions(path, p & ~(QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther));
+}
+
+Unchangeable::~Unchangeable()
+{
+    if (m_immutable)
+        QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("-i"), m_path});
+    else if (m_ok)
+        QFile::setPermissions(m_path, QFile::permissions(m_path) | QFile::WriteOwner | QFile::WriteUser);
 }
 
 }  // namespace TestSupport

@@ -48,6 +48,9 @@ public:
     // Runs statements in the shell and returns what it printed (stdout and
     // stderr), once they are done.
     QString run(const QString &sql);
+    // Hands statements to the shell without waiting for them (one that waits
+    // for a lock, say); what they print is read by the next run().
+    void send(const QString &sql);
     void release();  // commits or rolls back what it holds: "COMMIT" or "ROLLBACK"
     void commit();
     bool started() const { return m_started; }
@@ -56,6 +59,21 @@ private:
     QProcess m_proc;
     bool m_started = false;
     bool m_holding = false;
+};
+
+// A file or folder that nobody may change, root included: chattr +i for
+// root (where the file system has it), the write permission taken away for
+// anyone else. Changeable again when it goes.
+class Unchangeable {
+public:
+    explicit Unchangeable(const QString &path);
+    ~Unchangeable();
+    bool ok() const { return m_ok; }  // false: not possible here (skip)
+
+private:
+    QString m_path;
+    bool m_ok = false;
+    bool m_immutable = false;
 };
 
 }  // namespace TestSupport

@@ -7,6 +7,7 @@
 #include "platform/FileDialogs.h"
 #include "users/frmModUser.h"
 
+#include <QCheckBox>
 #include <QDir>
 #include <QImage>
 #include <QLineEdit>
@@ -137,6 +138,21 @@ private slots:
                              "WHERE Name = ?", {"Bob"}), QString("lunch|5|Finance  |  |1"));
         // A name that is a pattern for another finds its own row.
         QCOMPARE(shownValue(openOn("A[1]").get(), "txtID"), QString("x1"));
+    }
+
+    // A site tool may write the older engine's True, -1: it shows as set
+    // and goes back as 1.
+    void trueOfTheOlderEngine()
+    {
+        Console c(seedBoard);
+        Database other = c.other();
+        other.execute("UPDATE EmployeeSettingsTable SET StatusAlertsOverride = -1, PhotoSizeToFit = -1 WHERE Name = ?", {"Bob"});
+        auto d = openOn("Bob");
+        QVERIFY(control<QCheckBox>(d.get(), "chkStatusAlertsOverride")->isChecked());
+        QVERIFY(control<QCheckBox>(d.get(), "chkPhotoSizeToFit")->isChecked());
+        d->cmdButtons_Click(0);
+        QCOMPARE(rows(other, "SELECT StatusAlertsOverride, PhotoSizeToFit FROM EmployeeSettingsTable WHERE Name = ?", {"Bob"}),
+                 QString("1|1"));
     }
 
     // Moves between the lists are written at OK only. A lock at OK, or a
