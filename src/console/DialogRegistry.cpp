@@ -3,6 +3,10 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "import/frmImport01.h"
+#include "import/frmImportErrors.h"
+#include "logs/frmPrint.h"
+#include "logs/frmTransLog.h"
 #include "platform/Modal.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
@@ -98,6 +102,10 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmImport01"), make<frmImport01>);
+    add(QStringLiteral("frmImportErrors"), make<frmImportErrors>);
+    add(QStringLiteral("frmTransLog"), make<frmTransLog>);
+    add(QStringLiteral("frmPrint"), make<frmPrint>);
 }
 
 QString dialogFor(Verb verb, const QString &kind)

@@ -279,9 +279,10 @@ private slots:
         QTest::newRow("Database Path") << "mnuDataPath" << "" << "frmDataPath";
         QTest::newRow("About") << "mnuAbout" << "" << "about";
         QTest::newRow("New User Defaults") << "mnuNewUserDefaults" << "" << "frmNewUser";
-        for (const char *item : {"mnuGlobalSettings", "mnuImportErrorLog", "mnuSystemSecurity", "mnuTransactionLog",
-                                 "mnuCompamyInfo", "mnuPhotoPath", "mnuForceShutdown", "mnuAutoCheckforUpdates",
-                                 "mnuCheckForUpdates", "Import"})
+        QTest::newRow("Import Error Log") << "mnuImportErrorLog" << "" << "frmImportErrors";
+        QTest::newRow("Transaction Log") << "mnuTransactionLog" << "" << "frmTransLog";
+        for (const char *item : {"mnuGlobalSettings", "mnuSystemSecurity", "mnuCompamyInfo", "mnuPhotoPath",
+                                 "mnuForceShutdown", "mnuAutoCheckforUpdates", "mnuCheckForUpdates"})
             QTest::newRow(item) << item << "" << "";
         QTest::newRow("Global Settings once built") << "mnuGlobalSettings" << "frmGlobalSettings" << "frmGlobalSettings";
     }
@@ -317,6 +318,7 @@ private slots:
         QFETCH(bool, present);
         QFETCH(QString, answer);
         Console c(seedRouting);
+        WindowsAbsent absent(present ? QStringList() : QStringList{"frmImport01"});
         WindowsPresent windows(present ? WindowsPresent::verbWindows() + QStringList{"frmImport01"} : QStringList());
         ShownWindows shown;
         ImportFilePath.clear();
