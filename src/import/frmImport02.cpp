@@ -39,6 +39,7 @@ frmImport02::frmImport02(QWidget *parent) : QDialog(parent), ui(std::make_unique
 {
     ui->setupUi(this);
     new DialogSupport(this, nullptr);
+    ui->ProgressBar->setAccessibleName(QStringLiteral("Lines imported"));
     // No buttons: the run cannot be stopped once begun.
     setWindowFlags((windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint) & ~Qt::WindowCloseButtonHint &
                    ~Qt::WindowContextHelpButtonHint);

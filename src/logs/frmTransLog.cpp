@@ -36,7 +36,7 @@ frmTransLog::frmTransLog(QWidget *parent) : QDialog(parent), ui(std::make_unique
     for (int i = 0; i < 7; ++i)
         connect(buttons[i], &QPushButton::clicked, this, [this, i] { cmdButtons_Click(i); });
 
-    static const int widths[] = {150, 80, 120, 200, 130, 110, 110};
+    static const int widths[] = {130, 70, 110, 190, 140, 120, 110};
     for (int i = 0; i < 7; ++i)
         ui->lvTransLog->header()->resizeSection(i, widths[i]);
 
