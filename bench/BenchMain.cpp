@@ -4,6 +4,7 @@
 
 int runCompactBench(int argc, char **argv);
 int runListUsersBench(int argc, char **argv);
+int runGroupsBench(int argc, char **argv);
 int runImportBench(int argc, char **argv);
 int runExportBench(int argc, char **argv);
 int runPrintBench(int argc, char **argv);
@@ -19,6 +20,7 @@ struct Benchmark {
 const Benchmark benchmarks[] = {
     {"compact", runCompactBench, "compact [--quick] [--mb N] [--runs N]"},
     {"list-users", runListUsersBench, "list-users [--quick] [--users N]"},
+    {"groups", runGroupsBench, "groups [--quick] [--users N] [--members N] [--moved N] [--runs N]"},
     {"import", runImportBench, "import [--quick] [--lines N] [--runs N]"},
     {"export", runExportBench, "export [--quick] [--rows N] [--runs N]"},
     {"print", runPrintBench, "print [--quick] [--rows N]"},

@@ -1,14 +1,19 @@
 #include "console/frmMain.h"
 #include "console/frmWelcome.h"
 #include "core/Global.h"
+#include "platform/AppFolders.h"
 #include "platform/Help.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QStringList>
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    // Installed, the desktop entry and the hicolor icons carry this id.
+    QGuiApplication::setDesktopFileName(AppFolders::applicationId());
+    QApplication::setWindowIcon(QIcon::fromTheme(AppFolders::applicationId()));
     Help::install();
 
     // The command line has no options: any text turns the run into the one-shot repair.

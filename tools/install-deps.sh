@@ -9,6 +9,9 @@ packages=(
   libgl-dev
   fonts-dejavu-core
   tango-icon-theme
+  # the icons, the Debian package and the tools that check them
+  librsvg2-bin dpkg-dev file
+  desktop-file-utils appstream lintian man-db
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -3,6 +3,9 @@
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
+#include "groups/frmAddGroup.h"
+#include "groups/frmDeleteGroup.h"
+#include "groups/frmModGroup.h"
 #include "import/frmImport01.h"
 #include "import/frmImportErrors.h"
 #include "logs/frmPrint.h"
@@ -102,6 +105,9 @@ void registerAvailableWindows()
     add(QStringLiteral("frmDeleteUser"), make<frmDeleteUser>);
     add(QStringLiteral("frmNewUser"), make<frmNewUser>);
     add(QStringLiteral("frmModUser"), make<frmModUser>);
+    add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
+    add(QStringLiteral("frmModGroup"), make<frmModGroup>);
+    add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
     add(QStringLiteral("frmImport01"), make<frmImport01>);
     add(QStringLiteral("frmImportErrors"), make<frmImportErrors>);
     add(QStringLiteral("frmTransLog"), make<frmTransLog>);

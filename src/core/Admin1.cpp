@@ -2,6 +2,7 @@
 
 #include "core/Global.h"
 #include "core/frmDataPath.h"
+#include "platform/AppFolders.h"
 #include "platform/Hourglass.h"
 #include "platform/IniFile.h"
 #include "platform/MessageBox.h"
@@ -212,7 +213,7 @@ void subCheckDBVersionForConversion()
                      QStringLiteral("Admin will now run the conversion program.") + CRLF + CRLF +
                      QStringLiteral("Once convertsion has finished, Admin will restart."),
                  Msg::Buttons::OK, Msg::Icon::Exclamation, title);
-        const QString converter = UncPath::programFolder() + QStringLiteral("/tavello-convert");
+        const QString converter = AppFolders::current().program + QStringLiteral("/tavello-convert");
         const QString argument = gstrDataPath + backupName + QStringLiteral("|") + gstrDataPath + QStringLiteral("tavello.mdb");
         if (QFileInfo(converter).isExecutable() && QProcess::startDetached(converter, {argument})) {
             unloadMainWindow();

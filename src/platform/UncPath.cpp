@@ -1,16 +1,14 @@
 #include "platform/UncPath.h"
 
+#include "platform/AppFolders.h"
 #include "platform/IniFile.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 
 namespace {
-
-QString g_programFolder;
 
 struct Share {
     QString unc;    // \\SERVER\SHARE, no trailing separator
@@ -78,19 +76,20 @@ namespace UncPath {
 
 QString programFolder()
 {
-    if (g_programFolder.isEmpty())
-        return QCoreApplication::applicationDirPath();
-    return g_programFolder;
+    return AppFolders::current().data;
 }
 
 void setProgramFolder(const QString &localFolder)
 {
-    g_programFolder = stripTrailing(QDir::cleanPath(QFileInfo(localFolder).absoluteFilePath()), QLatin1Char('/'));
+    if (localFolder.isEmpty())
+        AppFolders::reset();
+    else
+        AppFolders::set({localFolder, localFolder, localFolder, true});
 }
 
 QString iniFile()
 {
-    return programFolder() + QStringLiteral("/tavello.ini");
+    return AppFolders::current().ini + QStringLiteral("/tavello.ini");
 }
 
 bool isUnc(const QString &path)

@@ -5,16 +5,18 @@
 
 // Paths to the shared database are UNC paths (\\SERVER\SHARE\DIR\), the same
 // on every machine of the site. On Linux a share is a mounted folder: the
-// [Shares] section of tavello.ini beside the program maps "\\SERVER\SHARE" to
+// [Shares] section of tavello.ini maps "\\SERVER\SHARE" to
 // a local folder, and the mount table supplies cifs/smb3 mounts of
 // //server/share. A local path under no share keeps its local form.
 namespace UncPath {
 
-// The folder of the program (local form). Tests point it at a temporary folder.
+// "The program's folder" (local form): where the default database lives, the
+// executable's folder in the portable layout (see AppFolders). Tests point it
+// at a temporary folder, which then holds the ini too.
 QString programFolder();
 void setProgramFolder(const QString &localFolder);
 
-// The ini beside the program, local form.
+// tavello.ini, local form.
 QString iniFile();
 
 bool isUnc(const QString &path);
