@@ -77,6 +77,7 @@ double referenceMs(const QString &database, const QString &csv, long long *rows)
     sqlite3 *db = nullptr;
     sqlite3_open_v2(QFile::encodeName(database).constData(), &db, SQLITE_OPEN_READONLY, nullptr);
     const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> owner(db, sqlite3_close);
+    QFile::remove(csv);  // a fresh file, not one cut back to nothing
     QElapsedTimer t;
     t.start();
     FILE *out = std::fopen(QFile::encodeName(csv).constData(), "wb");
@@ -93,17 +94,15 @@ double referenceMs(const QString &database, const QString &csv, long long *rows)
             std::fputc('"', out);
             const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(st, c));
             const int size = sqlite3_column_bytes(st, c);
-            if (text) {
-                const char *quote = static_cast<const char *>(std::memchr(text, '"', size_t(size)));
-                if (!quote) {
-                    std::fwrite(text, 1, size_t(size), out);
-                } else {
-                    for (int k = 0; k < size; ++k) {
-                        if (text[k] == '"')
-                            std::fputc('"', out);
-                        std::fputc(text[k], out);
-                    }
-                }
+            // A quote inside is doubled: the text up to and with each quote,
+            // then that quote once more.
+            for (int from = 0; text && from < size;) {
+                const auto *quote = static_cast<const char *>(std::memchr(text + from, '"', size_t(size - from)));
+                const int upto = quote ? int(quote - text) + 1 : size;
+                std::fwrite(text + from, 1, size_t(upto - from), out);
+                if (quote)
+                    std::fputc('"', out);
+                from = upto;
             }
             std::fputc('"', out);
         }
@@ -172,9 +171,17 @@ int runExportBench(int argc, char **argv)
     {
         frmTransLog window;
         for (int r = 0; r < runs; ++r) {
+            // Each side goes first in turn: the one after meets the other's
+            // file still being written back to the disk.
             long long refRows = 0;
-            const double ref = referenceMs(database, refFile, &refRows);
-            const double our = consoleMs(window);
+            double ref = 0, our = 0;
+            if (r % 2 == 0) {
+                ref = referenceMs(database, refFile, &refRows);
+                our = consoleMs(window);
+            } else {
+                our = consoleMs(window);
+                ref = referenceMs(database, refFile, &refRows);
+            }
             if (our < 0 || refRows != rows)
                 return 1;
             reference.push_back(ref);
