@@ -1,5 +1,6 @@
 #include "console/DialogRegistry.h"
 
+#include "catalogues/CatalogueWindows.h"
 #include "console/about.h"
 #include "console/frmAdminOptions.h"
 #include "core/frmDataPath.h"
@@ -11,6 +12,10 @@
 #include "logs/frmPrint.h"
 #include "logs/frmTransLog.h"
 #include "platform/Modal.h"
+#include "sites/frmAddServer.h"
+#include "sites/frmAutoSync.h"
+#include "sites/frmDeleteServer.h"
+#include "sites/frmModServer.h"
 #include "store/frmRepair.h"
 #include "users/frmAddUser.h"
 #include "users/frmDeleteUser.h"
@@ -108,6 +113,11 @@ void registerAvailableWindows()
     add(QStringLiteral("frmAddGroup"), make<frmAddGroup>);
     add(QStringLiteral("frmModGroup"), make<frmModGroup>);
     add(QStringLiteral("frmDeleteGroup"), make<frmDeleteGroup>);
+    add(QStringLiteral("frmAddServer"), make<frmAddServer>);
+    add(QStringLiteral("frmModServer"), make<frmModServer>);
+    add(QStringLiteral("frmDeleteServer"), make<frmDeleteServer>);
+    add(QStringLiteral("frmAutoSync"), make<frmAutoSync>);
+    registerCatalogueWindows();
     add(QStringLiteral("frmImport01"), make<frmImport01>);
     add(QStringLiteral("frmImportErrors"), make<frmImportErrors>);
     add(QStringLiteral("frmTransLog"), make<frmTransLog>);

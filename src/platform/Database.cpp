@@ -12,10 +12,13 @@
 
 #include <sqlite3.h>
 
+#include <atomic>
+
 namespace {
 
 constexpr int BusyTimeoutMs = 250;
-int g_connectionSerial = 0;
+// Connections may be opened on worker threads too.
+std::atomic<int> g_connectionSerial{0};
 
 QString uriFor(const QString &localPath, bool create)
 {

@@ -41,33 +41,57 @@ QString unescapeMount(const QString &s)
     return out;
 }
 
+// The UNC form of a mount's source: //server/share for the SMB family,
+// server:/export/dir for nfs. Empty when it has none.
+QString uncOfSource(const QString &type, const QString &source)
+{
+    QString unc;
+    if (type.startsWith(QLatin1String("nfs"))) {
+        // server:/export, with [v6 address]:/export allowed
+        const qsizetype colon = source.startsWith(QLatin1Char('['))
+                                    ? source.indexOf(QLatin1String("]:")) + 1
+                                    : source.indexOf(QLatin1Char(':'));
+        if (colon <= 0)
+            return QString();
+        const QString host = source.left(colon);
+        const QString path = source.mid(colon + 1);
+        if (!path.startsWith(QLatin1Char('/')))
+            return QString();
+        unc = QStringLiteral("//") + host + path;
+    } else {
+        if (!source.startsWith(QLatin1String("//")))
+            return QString();
+        unc = source;
+    }
+    unc.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    unc = stripTrailing(unc, QLatin1Char('\\'));
+    // \\server\share at least
+    const QStringList parts = unc.mid(2).split(QLatin1Char('\\'));
+    if (parts.size() < 2 || parts[0].isEmpty() || parts[1].isEmpty())
+        return QString();
+    return unc;
+}
+
 QList<Share> knownShares()
 {
     QList<Share> shares;
-    for (const auto &[key, value] : IniFile::readSection(UncPath::iniFile(), QStringLiteral("Shares"))) {
-        if (!key.startsWith(QLatin1String("\\\\")) || value.isEmpty())
-            continue;
-        shares.append({stripTrailing(key, QLatin1Char('\\')),
-                       stripTrailing(QDir::cleanPath(QFileInfo(value).absoluteFilePath()), QLatin1Char('/'))});
-    }
-    QFile mounts(QStringLiteral("/proc/self/mounts"));
-    if (mounts.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        QTextStream in(&mounts);
-        while (!in.atEnd()) {
-            const QStringList f = in.readLine().split(QLatin1Char(' '));
-            if (f.size() < 3)
-                continue;
-            const QString type = f[2];
-            if (type != QLatin1String("cifs") && type != QLatin1String("smb3") && type != QLatin1String("smbfs"))
-                continue;
-            QString src = unescapeMount(f[0]);
-            if (!src.startsWith(QLatin1String("//")))
-                continue;
-            src.replace(QLatin1Char('/'), QLatin1Char('\\'));
-            shares.append({stripTrailing(src, QLatin1Char('\\')), stripTrailing(unescapeMount(f[1]), QLatin1Char('/'))});
-        }
-    }
+    for (const UncPath::Mount &m : UncPath::shares())
+        shares.append({m.unc, m.local});
     return shares;
+}
+
+// The entry of `folder` named `name` without regard to case: the exact name
+// when it exists, else the first that differs only in case; empty for none.
+QString entryBlindToCase(const QString &folder, const QString &name)
+{
+    if (name == QLatin1String(".") || name == QLatin1String("..") || QFileInfo::exists(folder + QLatin1Char('/') + name))
+        return name;
+    const QStringList entries =
+        QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QString &entry : entries)
+        if (entry.compare(name, Qt::CaseInsensitive) == 0)
+            return entry;
+    return QString();
 }
 
 }  // namespace
@@ -101,23 +125,38 @@ std::optional<QString> toLocal(const QString &path)
 {
     if (!isUnc(path))
         return path;
-    // \\SERVER\SHARE\rest
-    const QString body = path.mid(2);
-    const QStringList parts = body.split(QLatin1Char('\\'));
+    // \\SERVER\SHARE\rest: the longest known share the path lies under.
+    const QStringList parts = path.mid(2).split(QLatin1Char('\\'));
     if (parts.size() < 2 || parts[0].isEmpty() || parts[1].isEmpty())
         return std::nullopt;
-    const QString root = QStringLiteral("\\\\") + parts[0] + QLatin1Char('\\') + parts[1];
-    for (const Share &s : knownShares()) {
-        if (s.unc.compare(root, Qt::CaseInsensitive) != 0)
-            continue;
-        QString local = s.local;
-        const QStringList rest = parts.mid(2);
-        for (const QString &seg : rest)
-            local += QLatin1Char('/') + seg;
-        // A trailing backslash in the UNC form keeps its meaning: a folder.
-        return local;
+    const Share *best = nullptr;
+    const QList<Share> shares = knownShares();
+    for (const Share &s : shares) {
+        const bool under = path.startsWith(s.unc, Qt::CaseInsensitive) &&
+                           (path.size() == s.unc.size() || path[s.unc.size()] == QLatin1Char('\\'));
+        if (under && (!best || s.unc.size() > best->unc.size()))
+            best = &s;
     }
-    return std::nullopt;
+    if (!best)
+        return std::nullopt;
+    QString local = best->local;
+    const QStringList rest = path.mid(best->unc.size() + 1).split(QLatin1Char('\\'));
+    bool resolving = path.size() > best->unc.size();
+    for (qsizetype i = 0; resolving && i < rest.size(); ++i) {
+        // A trailing backslash in the UNC form keeps its meaning: a folder.
+        if (rest[i].isEmpty()) {
+            local += QLatin1Char('/');
+            continue;
+        }
+        const QString found = entryBlindToCase(local, rest[i]);
+        if (found.isEmpty()) {
+            // Nothing there: the rest stands as written.
+            local += QLatin1Char('/') + rest.mid(i).join(QLatin1Char('/'));
+            break;
+        }
+        local += QLatin1Char('/') + found;
+    }
+    return local;
 }
 
 QString toUnc(const QString &localPath)
@@ -141,6 +180,41 @@ QString toUnc(const QString &localPath)
     if (localPath.endsWith(QLatin1Char('/')) && !unc.endsWith(QLatin1Char('\\')))
         unc += QLatin1Char('\\');
     return unc;
+}
+
+QList<Mount> networkMounts(const QString &mountTable)
+{
+    static const QStringList types = {QStringLiteral("cifs"), QStringLiteral("smb3"), QStringLiteral("smbfs"),
+                                      QStringLiteral("nfs"), QStringLiteral("nfs4")};
+    QList<Mount> mounts;
+    QFile table(mountTable.isEmpty() ? QStringLiteral("/proc/self/mounts") : mountTable);
+    if (!table.open(QIODevice::ReadOnly | QIODevice::Text))
+        return mounts;
+    QTextStream in(&table);
+    while (!in.atEnd()) {
+        const QStringList f = in.readLine().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        if (f.size() < 3 || !types.contains(f[2]))
+            continue;
+        const QString unc = uncOfSource(f[2], unescapeMount(f[0]));
+        if (unc.isEmpty())
+            continue;
+        mounts.append({unc, stripTrailing(unescapeMount(f[1]), QLatin1Char('/')), f[2]});
+    }
+    return mounts;
+}
+
+QList<Mount> shares()
+{
+    QList<Mount> all;
+    for (const auto &[key, value] : IniFile::readSection(iniFile(), QStringLiteral("Shares"))) {
+        if (!key.startsWith(QLatin1String("\\\\")) || value.isEmpty())
+            continue;
+        all.append({stripTrailing(key, QLatin1Char('\\')),
+                    stripTrailing(QDir::cleanPath(QFileInfo(value).absoluteFilePath()), QLatin1Char('/')),
+                    QStringLiteral("tavello.ini")});
+    }
+    all += networkMounts();
+    return all;
 }
 
 QString withTrailingSeparator(const QString &path)

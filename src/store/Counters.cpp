@@ -45,12 +45,14 @@ void subRaiseGroupCounter() { raiseCounterField(gdbMain, QStringLiteral("GroupCo
 void subRaiseStatusTypeCounter() { raiseCounterField(gdbMain, QStringLiteral("StatusTypeCounter")); }
 void subRaiseSecurityCounter() { raiseCounterField(gdbMain, QStringLiteral("SecurityCounter")); }
 
-void subRaiseExtraColumnsCounter()
+void subRaiseExtraColumnsCounter() { raiseExtraColumnsCounter(gdbMain); }
+
+void raiseExtraColumnsCounter(Database &db)
 {
     // Files from before the extra columns lack the field.
-    if (!gdbMain.fieldNames(kCounterTable).contains(kExtraColumnsCounter, Qt::CaseInsensitive))
-        addExtraColumnsCounter(gdbMain);
-    raiseCounterField(gdbMain, kExtraColumnsCounter);
+    if (!db.fieldNames(kCounterTable).contains(kExtraColumnsCounter, Qt::CaseInsensitive))
+        addExtraColumnsCounter(db);
+    raiseCounterField(db, kExtraColumnsCounter);
 }
 
 void subTestStatusCounterTable()

@@ -12,6 +12,8 @@ void subRaiseStatusTypeCounter();
 void subRaiseSecurityCounter();
 void subRaiseExtraColumnsCounter();
 void raiseCounterField(Database &db, const QString &field);
+// ExtraColumnsCounter on `db`, first adding the field to a file that lacks it.
+void raiseExtraColumnsCounter(Database &db);
 
 // Makes the counter row well formed at start (row present, field present, no Nulls).
 void subTestStatusCounterTable();

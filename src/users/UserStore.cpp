@@ -1,5 +1,6 @@
 #include "users/UserStore.h"
 
+#include "catalogues/StatusTypeStore.h"
 #include "platform/Database.h"
 #include "store/Counters.h"
 
@@ -152,17 +153,6 @@ QString normalisedStatus(const QString &typed)
     return typed;
 }
 
-int statusCodeFor(Database &db, const QString &status)
-{
-    int code = 4;
-    const QString wanted = status.toUpper();
-    Recordset rs = db.query(QStringLiteral("SELECT Status, StatusCode FROM StatusTypesTable"));
-    for (; !rs.eof(); rs.moveNext())
-        if (rs.text(QStringLiteral("Status")).toUpper() == wanted)
-            code = rs.value(QStringLiteral("StatusCode")).toInt();
-    return code;
-}
-
 void saveUser(Database &db, const UserChanges &c)
 {
     const QString newName = c.name.trimmed();
@@ -170,7 +160,7 @@ void saveUser(Database &db, const UserChanges &c)
 
     db.beginTrans();
     try {
-        const int code = statusCodeFor(db, status);
+        const int code = StatusCodeOfName(db, status);
 
         // The row is found by its key, not by a pattern: a name holding
         // [ ] * ? or # must find itself and nobody else.

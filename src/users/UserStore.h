@@ -42,9 +42,6 @@ void addUser(Database &db, const QString &id, const QString &name);
 
 // In, Out and Busy in any case become their proper spelling.
 QString normalisedStatus(const QString &typed);
-// StatusCode of the last StatusTypesTable row whose name matches `status`
-// without regard to case; 4 when none does.
-int statusCodeFor(Database &db, const QString &status);
 
 // Everything the Modify window writes for one user.
 struct UserChanges {

@@ -121,6 +121,7 @@ private slots:
         QFETCH(Kind, k);
         Console c(seedAll);
         WindowsPresent present({"frmImport01"});
+        ShownWindows shown;  // "Auto Sync" opens its window
         c.clickNode(k.node);
         QCOMPARE(c.headers(), k.headers);
         compareWidths(c.headerWidths(), expectedWidths(k.widths, c.list()->widthTwips()));
@@ -268,7 +269,10 @@ private slots:
         c.other().execute("INSERT INTO ServersTable (UNCPath, Description) VALUES ('\\\\X\\Y\\', 'first')");
         c.w().ToolbarMain_ButtonClick("Refresh");
         QVERIFY(!c.w().isGrey(autoSync));
-        c.clickNode("Auto Sync");  // its window not built yet
+        {
+            WindowsAbsent absent({"frmAutoSync"});
+            c.clickNode("Auto Sync");  // its window not built
+        }
         QCOMPARE(c.w().selectedNodeText(), QString("Servers"));
         QCOMPARE(c.texts(), QStringList{"\\\\X\\Y\\"});
         WindowsPresent present({"frmAutoSync"});
