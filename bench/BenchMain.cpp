@@ -7,6 +7,9 @@ int runCompactBench(int argc, char **argv);
 int runListUsersBench(int argc, char **argv);
 int runGroupsBench(int argc, char **argv);
 int runStatusDeleteBench(int argc, char **argv);
+int runImportBench(int argc, char **argv);
+int runExportBench(int argc, char **argv);
+int runPrintBench(int argc, char **argv);
 
 namespace {
 
@@ -22,6 +25,9 @@ const Benchmark benchmarks[] = {
     {"list-users", runListUsersBench, "list-users [--quick] [--users N]"},
     {"groups", runGroupsBench, "groups [--quick] [--users N] [--members N] [--moved N] [--runs N]"},
     {"status-delete", runStatusDeleteBench, "status-delete [--quick] [--users N] [--runs N]"},
+    {"import", runImportBench, "import [--quick] [--lines N] [--runs N]"},
+    {"export", runExportBench, "export [--quick] [--rows N] [--runs N]"},
+    {"print", runPrintBench, "print [--quick] [--rows N]"},
 };
 
 }  // namespace

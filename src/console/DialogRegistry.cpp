@@ -9,6 +9,10 @@
 #include "groups/frmModGroup.h"
 #include "messages/frmDeleteMessages.h"
 #include "messages/frmMsgsPreview.h"
+#include "import/frmImport01.h"
+#include "import/frmImportErrors.h"
+#include "logs/frmPrint.h"
+#include "logs/frmTransLog.h"
 #include "platform/Modal.h"
 #include "settings/UpdateCheck.h"
 #include "settings/frmAutoCheckForUpdates.h"
@@ -132,6 +136,10 @@ void registerAvailableWindows()
     add(QStringLiteral("frmPhotoPath"), make<frmPhotoPath>);
     add(QStringLiteral("frmAutoCheckForUpdates"), make<frmAutoCheckForUpdates>);
     addCommand(QStringLiteral("CheckForUpdates"), [] { UpdateCheck::mnuCheckForUpdates_Click(); });
+    add(QStringLiteral("frmImport01"), make<frmImport01>);
+    add(QStringLiteral("frmImportErrors"), make<frmImportErrors>);
+    add(QStringLiteral("frmTransLog"), make<frmTransLog>);
+    add(QStringLiteral("frmPrint"), make<frmPrint>);
 }
 
 QString dialogFor(Verb verb, const QString &kind)

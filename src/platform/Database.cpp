@@ -9,6 +9,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlRecord>
+#include <QVarLengthArray>
 
 #include <sqlite3.h>
 
@@ -546,6 +547,138 @@ qint64 Database::addRow(const QString &table, const QVariantMap &values)
     }
     execute(sql, params);
     return sqlite3_last_insert_rowid(handle());
+}
+
+namespace {
+
+// Binds a value the way Qt SQL would: Null, whole numbers, reals, text.
+int bindValue(sqlite3_stmt *st, int index, const QVariant &v)
+{
+    if (v.isNull())
+        return sqlite3_bind_null(st, index);
+    switch (v.userType()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+        return sqlite3_bind_int64(st, index, v.toLongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return sqlite3_bind_double(st, index, v.toDouble());
+    case QMetaType::QString: {
+        // The text stays alive in `v` until the step is done.
+        const QString &text = *static_cast<const QString *>(v.constData());
+        return sqlite3_bind_text16(st, index, text.isNull() ? static_cast<const void *>(u"") : static_cast<const void *>(text.utf16()), int(text.size() * 2), SQLITE_STATIC);
+    }
+    default: {
+        const QByteArray bytes = v.toString().toUtf8();
+        return sqlite3_bind_text(st, index, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
+    }
+    }
+}
+
+}  // namespace
+
+Statement::Statement(Statement &&other) noexcept : m_db(other.m_db), m_statement(other.m_statement)
+{
+    other.m_statement = nullptr;
+}
+
+Statement &Statement::operator=(Statement &&other) noexcept
+{
+    if (this != &other) {
+        if (m_statement)
+            sqlite3_finalize(m_statement);
+        m_db = other.m_db;
+        m_statement = other.m_statement;
+        other.m_statement = nullptr;
+    }
+    return *this;
+}
+
+Statement::~Statement()
+{
+    if (m_statement)
+        sqlite3_finalize(m_statement);
+}
+
+Statement Database::prepareStatement(const QString &sql)
+{
+    requireOpen();
+    sqlite3 *h = handle();
+    Statement st;
+    st.m_db = this;
+    const QByteArray text = sql.toUtf8();
+    const int rc = sqlite3_prepare_v2(h, text.constData(), int(text.size()), &st.m_statement, nullptr);
+    if (rc != SQLITE_OK)
+        throw Store::errorFromSqlite(sqlite3_extended_errcode(h), QString::fromUtf8(sqlite3_errmsg(h)), false);
+    return st;
+}
+
+qint64 Statement::execute(const QVariantList &params)
+{
+    if (!m_statement)
+        throw StoreError(err::ObjectClosed, QStringLiteral("Object invalid or no longer set."));
+    sqlite3 *h = sqlite3_db_handle(m_statement);
+    sqlite3_reset(m_statement);
+    for (int i = 0; i < params.size(); ++i)
+        bindValue(m_statement, i + 1, params[i]);
+    const int rc = sqlite3_step(m_statement);
+    if (rc != SQLITE_DONE && rc != SQLITE_ROW) {
+        const StoreError e = Store::errorFromSqlite(sqlite3_extended_errcode(h), QString::fromUtf8(sqlite3_errmsg(h)), true);
+        sqlite3_reset(m_statement);
+        throw e;
+    }
+    const qint64 changed = sqlite3_changes64(h);
+    sqlite3_reset(m_statement);
+    return changed;
+}
+
+qint64 Database::forEachTextRow(const QString &sql, const QVariantList &params, const TextRow &row)
+{
+    requireOpen();
+    sqlite3 *h = handle();
+    const auto failure = [h](int code) {
+        return Store::errorFromSqlite(sqlite3_extended_errcode(h) ? sqlite3_extended_errcode(h) : code,
+                                      QString::fromUtf8(sqlite3_errmsg(h)), false);
+    };
+    sqlite3_stmt *st = nullptr;
+    const QByteArray text = sql.toUtf8();
+    int rc = sqlite3_prepare_v2(h, text.constData(), int(text.size()), &st, nullptr);
+    if (rc != SQLITE_OK)
+        throw failure(rc);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> guard(st, sqlite3_finalize);
+    for (int i = 0; i < params.size(); ++i) {
+        const QVariant &v = params[i];
+        if (v.isNull()) {
+            sqlite3_bind_null(st, i + 1);
+        } else if (v.userType() == QMetaType::Int || v.userType() == QMetaType::LongLong) {
+            sqlite3_bind_int64(st, i + 1, v.toLongLong());
+        } else if (v.userType() == QMetaType::Double) {
+            sqlite3_bind_double(st, i + 1, v.toDouble());
+        } else {
+            const QByteArray bytes = v.toString().toUtf8();
+            sqlite3_bind_text(st, i + 1, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
+        }
+    }
+    const int columns = sqlite3_column_count(st);
+    QVarLengthArray<QByteArrayView, 16> fields(columns);
+    qint64 seen = 0;
+    while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+        for (int c = 0; c < columns; ++c) {
+            const auto *t = reinterpret_cast<const char *>(sqlite3_column_text(st, c));
+            fields[c] = t ? QByteArrayView(t, sqlite3_column_bytes(st, c)) : QByteArrayView();
+        }
+        ++seen;
+        if (!row(fields.constData(), columns))
+            return seen;
+    }
+    if (rc != SQLITE_DONE)
+        throw failure(rc);
+    return seen;
 }
 
 void Database::beginTrans()

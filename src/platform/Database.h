@@ -2,15 +2,18 @@
 
 #include "platform/StoreError.h"
 
+#include <QByteArrayView>
 #include <QHash>
 #include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
+#include <functional>
 #include <memory>
 
 struct sqlite3;
+struct sqlite3_stmt;
 class Database;
 
 // Rows of a query. A recordset from Database::query walks forward through
@@ -60,6 +63,27 @@ private:
     qsizetype m_pos = 0;
 };
 
+// A statement prepared once and run many times with new values, for work
+// that repeats one statement over many rows (the import). It goes with its
+// Database, which must outlive it.
+class Statement {
+public:
+    Statement() = default;
+    Statement(Statement &&other) noexcept;
+    Statement &operator=(Statement &&other) noexcept;
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
+    ~Statement();
+
+    // Runs it with `params` in place of its ?s; returns the rows changed.
+    qint64 execute(const QVariantList &params);
+
+private:
+    friend class Database;
+    Database *m_db = nullptr;
+    sqlite3_stmt *m_statement = nullptr;
+};
+
 // One connection to the board's database file. All failures are thrown as
 // StoreError with the numbers of platform/StoreError.h. Paths may be given in
 // UNC form; they are resolved through UncPath.
@@ -94,6 +118,13 @@ public:
     // Adds a row; fields not given take their defaults. Returns the row id.
     qint64 addRow(const QString &table, const QVariantMap &values = {});
 
+    Statement prepareStatement(const QString &sql);
+    // Walks the rows of a query as UTF-8 texts, the quick way through very
+    // many rows (the export): `row` gets each field's text, a null view for
+    // Null, and returns false to stop. Returns the number of rows seen.
+    using TextRow = std::function<bool(const QByteArrayView *fields, int count)>;
+    qint64 forEachTextRow(const QString &sql, const QVariantList &params, const TextRow &row);
+
     void beginTrans();
     void commitTrans();
     void rollback() noexcept;
@@ -112,6 +143,7 @@ public:
 
 private:
     friend class Recordset;
+    friend class Statement;
     static Database connect(const QString &localPath, bool create);
     void configure();
     QSqlQuery prepare(const QString &sql, const QVariantList &params);

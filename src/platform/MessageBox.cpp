@@ -19,17 +19,38 @@ State &state()
     return s;
 }
 
-int firstButtonAnswer(Msg::Buttons b)
+// The answers of a box's buttons, left to right.
+QList<int> buttonAnswers(Msg::Buttons b)
 {
     switch (b) {
-    case Msg::Buttons::OK:
-    case Msg::Buttons::OKCancel: return Msg::OK;
-    case Msg::Buttons::AbortRetryIgnore: return Msg::Abort;
-    case Msg::Buttons::YesNoCancel:
-    case Msg::Buttons::YesNo: return Msg::Yes;
-    case Msg::Buttons::RetryCancel: return Msg::Retry;
+    case Msg::Buttons::OK: return {Msg::OK};
+    case Msg::Buttons::OKCancel: return {Msg::OK, Msg::Cancel};
+    case Msg::Buttons::AbortRetryIgnore: return {Msg::Abort, Msg::Retry, Msg::Ignore};
+    case Msg::Buttons::YesNoCancel: return {Msg::Yes, Msg::No, Msg::Cancel};
+    case Msg::Buttons::YesNo: return {Msg::Yes, Msg::No};
+    case Msg::Buttons::RetryCancel: return {Msg::Retry, Msg::Cancel};
     }
-    return Msg::OK;
+    return {Msg::OK};
+}
+
+int defaultAnswer(Msg::Buttons b, int defaultButton)
+{
+    const QList<int> answers = buttonAnswers(b);
+    return answers.value(defaultButton - 1, answers.first());
+}
+
+QMessageBox::StandardButton standardOf(int answer)
+{
+    switch (answer) {
+    case Msg::OK: return QMessageBox::Ok;
+    case Msg::Cancel: return QMessageBox::Cancel;
+    case Msg::Abort: return QMessageBox::Abort;
+    case Msg::Retry: return QMessageBox::Retry;
+    case Msg::Ignore: return QMessageBox::Ignore;
+    case Msg::Yes: return QMessageBox::Yes;
+    case Msg::No: return QMessageBox::No;
+    default: return QMessageBox::NoButton;
+    }
 }
 
 QMessageBox::StandardButtons standardButtons(Msg::Buttons b)
@@ -77,11 +98,16 @@ namespace Msg {
 
 int box(const QString &text, Buttons buttons, Icon icon, const QString &title)
 {
+    return box(text, buttons, icon, title, 1);
+}
+
+int box(const QString &text, Buttons buttons, Icon icon, const QString &title, int defaultButton)
+{
     State &s = state();
     const QString shownTitle = title.isEmpty() ? s.defaultTitle : title;
     int answer;
     if (s.scripted) {
-        answer = s.answers.isEmpty() ? firstButtonAnswer(buttons) : s.answers.dequeue();
+        answer = s.answers.isEmpty() ? defaultAnswer(buttons, defaultButton) : s.answers.dequeue();
     } else {
         // A box over an hourglass must still be answerable with the mouse.
         const bool busy = QApplication::overrideCursor() != nullptr;
@@ -93,11 +119,13 @@ int box(const QString &text, Buttons buttons, Icon icon, const QString &title)
         display.replace(QLatin1Char('\r'), QLatin1Char('\n'));
         QMessageBox mb(qtIcon(icon), shownTitle, display, standardButtons(buttons),
                        QApplication::activeWindow());
+        if (defaultButton != 1)
+            mb.setDefaultButton(standardOf(defaultAnswer(buttons, defaultButton)));
         answer = answerOf(mb.exec());
         if (busy)
             QApplication::restoreOverrideCursor();
     }
-    s.transcript.append({icon, buttons, shownTitle, text, answer});
+    s.transcript.append({icon, buttons, shownTitle, text, answer, defaultButton});
     return answer;
 }
 

@@ -19,11 +19,15 @@ struct Shown {
     QString title;
     QString text;
     int answer;
+    int defaultButton = 1;  // the button Enter presses: 1 the first, 2 the second, ...
 };
 
 // Shows a box. An empty title means the application title (gstrAppTitle).
 int box(const QString &text, Buttons buttons = Buttons::OK, Icon icon = Icon::None,
         const QString &title = QString());
+// The same with another default button (2: the second). Scripted, an empty
+// queue of answers gives the default button's answer.
+int box(const QString &text, Buttons buttons, Icon icon, const QString &title, int defaultButton);
 
 // Title used when a box names none; start-up sets it to gstrAppTitle.
 void setDefaultTitle(const QString &title);

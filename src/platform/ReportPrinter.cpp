@@ -18,6 +18,7 @@
 #include <QStandardPaths>
 #include <QTextLayout>
 
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -71,10 +72,17 @@ public:
             m_y = 0;
         }
         if (text.contains(QLatin1Char('\t'))) {
-            QTextOption option(Qt::AlignLeft);
-            option.setTabStopDistance(m_tabWidth);
-            option.setWrapMode(QTextOption::NoWrap);
-            m_painter.drawText(QRectF(0, m_y, m_width, m_lineSpacing), text, option);
+            // Each tab moves on to the next stop, eight blanks apart.
+            qreal x = 0;
+            const QStringList parts = text.split(QLatin1Char('\t'));
+            const QFontMetricsF fm(m_font, &m_printer);
+            for (qsizetype i = 0; i < parts.size(); ++i) {
+                if (i > 0)
+                    x = (std::floor(x / m_tabWidth + 1e-9) + 1) * m_tabWidth;
+                if (!parts[i].isEmpty())
+                    m_painter.drawText(QPointF(x, m_y + m_ascent), parts[i]);
+                x += fm.horizontalAdvance(parts[i]);
+            }
         } else if (!text.isEmpty()) {
             m_painter.drawText(QPointF(0, m_y + m_ascent), text);
         }
