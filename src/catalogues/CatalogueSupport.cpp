@@ -86,113 +86,41 @@ void TypedLimit::put(QLineEdit *field, const QString &text)
         limit->m_putting = false;
 }
 
-// ------------------------------------------------------ store statements
-
-bool retrying(const Step &step, const Ask &ask)
-{
-    for (;;) {
-        try {
-            step();
-            return true;
-        } catch (const StoreError &e) {
-            if (!ask(e))
-                return false;
-        }
-    }
-}
-
-bool inOneTransaction(Database &db, const QVector<Step> &steps, const Ask &ask)
-{
-    if (!retrying([&] { db.beginTrans(); }, ask))
-        return false;
-    for (const Step &step : steps) {
-        if (!retrying(step, ask)) {
-            db.rollback();
-            return false;
-        }
-    }
-    if (!retrying([&] { db.commitTrans(); }, ask)) {
-        db.rollback();
-        return false;
-    }
-    return true;
-}
+// ------------------------------------------------------ deletion batch
 
 DeletionBatch::DeletionBatch(Database &db, AskEntry ask) : m_db(db), m_ask(std::move(ask)) {}
 
-DeletionBatch::~DeletionBatch()
-{
-    if (m_db.inTransaction())
-        m_db.rollback();
-}
-
-bool DeletionBatch::attempt(const QString &entry, const Step &step)
-{
-    return retrying(step, [&](const StoreError &e) { return m_ask(entry, e); });
-}
-
-void DeletionBatch::undo(const QString &savepoint)
-{
-    // A failure here leaves the entry half undone: it goes on as a failure
-    // of the whole batch, which the destructor rolls back.
-    m_db.execute(QStringLiteral("ROLLBACK TO ") + savepoint);
-    m_db.execute(QStringLiteral("RELEASE ") + savepoint);
-}
-
-bool DeletionBatch::run(const QString &entry, const QVector<Step> &steps)
-{
-    if (!m_db.inTransaction() && !attempt(entry, [this] { m_db.beginTrans(); }))
-        return false;
-    const QString savepoint = QStringLiteral("entry%1").arg(++m_serial);
-    if (!attempt(entry, [&] { m_db.execute(QStringLiteral("SAVEPOINT ") + savepoint); }))
-        return false;
-    for (const Step &step : steps) {
-        if (!attempt(entry, step)) {
-            undo(savepoint);
-            return false;
-        }
-    }
-    m_pending.append({entry, savepoint});
-    return true;
-}
+void DeletionBatch::add(const QString &entry, const QVector<Step> &steps) { m_entries.append({entry, steps}); }
 
 QStringList DeletionBatch::finish(const Step &last, bool always)
 {
-    const auto nothingToTell = [&] { return m_pending.isEmpty() && !always; };
-    if (!m_db.inTransaction()) {
-        if (!nothingToTell())
-            last();
-        return {};
-    }
-    if (nothingToTell()) {
-        m_db.rollback();
-        return {};
-    }
-    last();  // a failure here is the batch's: the destructor rolls it back
+    QVector<Entry> entries = m_entries;
     for (;;) {
+        if (entries.isEmpty() && !always)
+            return {};
+        qsizetype at = 0;  // the entry a failure is asked about
         try {
-            m_db.commitTrans();
-            break;
-        } catch (const StoreError &e) {
-            if (m_pending.isEmpty())
-                throw;
-            if (m_ask(m_pending.last().entry, e))
-                continue;
-            // Undoing the entry undoes what followed it too: `last` again.
-            undo(m_pending.last().savepoint);
-            m_pending.removeLast();
-            if (nothingToTell()) {
-                m_db.rollback();
-                return {};
+            m_db.beginTrans();
+            for (qsizetype i = 0; i < entries.size(); ++i) {
+                at = i;
+                for (const Step &step : entries[i].steps)
+                    step();
             }
+            at = entries.size() - 1;
             last();
+            m_db.commitTrans();
+            QStringList written;
+            for (const Entry &e : entries)
+                written << e.name;
+            return written;
+        } catch (const StoreError &e) {
+            m_db.rollback();
+            if (entries.isEmpty())
+                throw;  // nothing of the administrator's to ask about: the batch's own failure
+            if (!m_ask(entries[at].name, e))
+                entries.remove(at);
         }
     }
-    QStringList written;
-    for (const Pending &p : m_pending)
-        written << p.entry;
-    m_pending.clear();
-    return written;
 }
 
 }  // namespace Catalogues

@@ -19,8 +19,6 @@ class StoreError;
 namespace Catalogues {
 
 using Step = std::function<void()>;
-// Answers a failed statement: true runs it again, false gives up.
-using Ask = std::function<bool(const StoreError &error)>;
 
 // The names are joined into statements by the user programs between double
 // quotes, so a double quote typed into a name costs a beep, a warning and
@@ -57,48 +55,33 @@ private:
     QString m_accepted;  // the text as it stood before the edit being checked
 };
 
-// Runs `step` until it succeeds or `ask` gives up. True when it succeeded.
-bool retrying(const Step &step, const Ask &ask);
-
-// Runs `steps` as one transaction. A failing statement asks: Retry runs that
-// statement again, giving up rolls back the whole. True when committed.
-bool inOneTransaction(Database &db, const QVector<Step> &steps, const Ask &ask);
-
-// A batch of deletions, each entry all or nothing, the whole batch written
-// by a single commit: one write of the file for a hundred entries as for
-// one. Each entry runs in a savepoint of the batch's transaction, which
-// opens with the first entry. A failing statement asks about its entry:
-// Retry runs that statement again, giving up undoes that entry alone and the
-// batch goes on. A commit refused at the end asks about the last entry still
-// in it: giving up undoes that one and the rest are committed.
+// A batch of deletions written by a single commit: one write of the file
+// for a hundred entries as for one. When a statement or the commit fails,
+// the whole transaction is rolled back before the entry it failed on is
+// asked about (a failed commit asks about the last entry), so no lock stays
+// on the file while the box waits: Retry runs the batch again, giving up
+// leaves that entry out and runs the batch again without it.
 class DeletionBatch {
 public:
     using AskEntry = std::function<bool(const QString &entry, const StoreError &error)>;
 
     DeletionBatch(Database &db, AskEntry ask);
-    ~DeletionBatch();  // whatever was not committed is rolled back
-    DeletionBatch(const DeletionBatch &) = delete;
-    DeletionBatch &operator=(const DeletionBatch &) = delete;
 
-    // True when the entry's steps all ran.
-    bool run(const QString &entry, const QVector<Step> &steps);
-    // Runs `last` (the change counter) in the batch's transaction, or on its
-    // own when no entry opened one, and commits. With `always` false, `last`
-    // runs only when an entry is written. Returns the entries written.
+    // An entry of the batch; its steps run when the batch is finished.
+    void add(const QString &entry, const QVector<Step> &steps);
+    // Runs the entries and `last` (the change counter) in one transaction
+    // and commits. With `always` false nothing runs once no entry is left.
+    // Returns the entries written.
     QStringList finish(const Step &last, bool always = true);
 
 private:
-    struct Pending {
-        QString entry;
-        QString savepoint;
+    struct Entry {
+        QString name;
+        QVector<Step> steps;
     };
-    bool attempt(const QString &entry, const Step &step);
-    void undo(const QString &savepoint);
-
     Database &m_db;
     AskEntry m_ask;
-    QVector<Pending> m_pending;
-    int m_serial = 0;
+    QVector<Entry> m_entries;
 };
 
 }  // namespace Catalogues

@@ -131,20 +131,4 @@ void drop(Database &db, const QString &name)
 
 bool inUse(const StoreError &e) { return e.number() == err::RowLocked; }
 
-bool changeStructure(Database &db, const std::function<void()> &change, const std::function<bool(const StoreError &)> &ask)
-{
-    for (;;) {
-        try {
-            db.beginTrans();
-            change();
-            db.commitTrans();
-            return true;
-        } catch (const StoreError &e) {
-            db.rollback();
-            if (!ask(e))
-                return false;
-        }
-    }
-}
-
 }  // namespace Columns

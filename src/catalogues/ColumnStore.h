@@ -17,7 +17,7 @@ class StoreError;
 // blanks, brackets, quotes and any letters are safe in them.
 //
 // The functions below run their statements on `db` as they come; the
-// windows wrap each change in one transaction (changeStructure, or a
+// windows wrap each change in one transaction (Store::inTransaction, or a
 // deletion batch), so that the six fields change together or not at all.
 namespace Columns {
 
@@ -49,11 +49,5 @@ void drop(Database &db, const QString &name);
 
 // A refusal because another program reads or writes the file right now.
 bool inUse(const StoreError &e);
-
-// Runs `change` in one transaction. Any failure rolls the whole back first,
-// so the structure stands as it was while `ask` is answered; true from it
-// runs the change again from the start. True when committed.
-bool changeStructure(Database &db, const std::function<void()> &change,
-                     const std::function<bool(const StoreError &)> &ask);
 
 }  // namespace Columns

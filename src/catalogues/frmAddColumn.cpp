@@ -5,11 +5,12 @@
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/ColumnPrompts.h"
 #include "catalogues/ColumnStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 
 frmAddColumn::frmAddColumn(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmAddColumn>())
 {
@@ -79,7 +80,7 @@ void frmAddColumn::okClicked()
         return;
     }
     const bool readOnly = ui->chkReadOnly->isChecked();
-    const bool added = Columns::changeStructure(
+    const bool added = Store::inTransaction(
         gdbMain, [&] { Columns::add(gdbMain, name, readOnly); },
         [&](const StoreError &e) {
             Hourglass::set(0);

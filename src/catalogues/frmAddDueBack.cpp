@@ -4,7 +4,7 @@
 
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/DueBackStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"

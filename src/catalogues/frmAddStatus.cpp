@@ -5,7 +5,7 @@
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/StatusControls.h"
 #include "catalogues/StatusTypeStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"

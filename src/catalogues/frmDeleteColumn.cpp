@@ -5,7 +5,7 @@
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/ColumnPrompts.h"
 #include "catalogues/ColumnStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
@@ -22,7 +22,7 @@ QStringList DeleteColumns(Database &db, const QStringList &names)
         return retry;
     });
     for (const QString &name : names)
-        batch.run(name, {[&] { Columns::drop(db, name); }});
+        batch.add(name, {[&] { Columns::drop(db, name); }});
     // Nothing dropped, nothing to announce, and no counter field added.
     return batch.finish([&] { raiseExtraColumnsCounter(db); }, false);
 }

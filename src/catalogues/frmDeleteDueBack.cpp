@@ -4,7 +4,7 @@
 
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/DueBackStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
@@ -21,7 +21,7 @@ QStringList DeleteDueBackTypes(Database &db, const QStringList &texts)
         return retry;
     });
     for (const QString &text : texts)
-        batch.run(text, {[&] { DueBackTypes::deleteRows(db, text); }});
+        batch.add(text, {[&] { DueBackTypes::deleteRows(db, text); }});
     return batch.finish([] {});
 }
 

@@ -4,7 +4,7 @@
 
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/StatusTypeStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
@@ -21,7 +21,7 @@ QStringList DeleteStatusTypes(Database &db, const QStringList &names)
         return retry;
     });
     for (const QString &name : names)
-        batch.run(name, {[&] { StatusTypes::deleteRows(db, name); }});
+        batch.add(name, {[&] { StatusTypes::deleteRows(db, name); }});
     return batch.finish([&] { StatusTypes::raiseCounter(db); });
 }
 

@@ -6,12 +6,13 @@
 #include "catalogues/ColumnPrompts.h"
 #include "catalogues/ColumnStore.h"
 #include "console/AdminListView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 
 frmModColumn::frmModColumn(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmModColumn>())
 {
@@ -91,7 +92,7 @@ void frmModColumn::okClicked()
     }
     Hourglass::set(11);
     const bool readOnly = ui->chkReadOnly->isChecked();
-    const bool renamed = Columns::changeStructure(
+    const bool renamed = Store::inTransaction(
         gdbMain, [&] { Columns::rename(gdbMain, m_current, name, readOnly); },
         [&](const StoreError &e) {
             Hourglass::set(0);

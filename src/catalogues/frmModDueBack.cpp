@@ -4,13 +4,14 @@
 
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/DueBackStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/ERRORS.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 
 frmModDueBack::frmModDueBack(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmModDueBack>())
 {
@@ -85,7 +86,7 @@ void frmModDueBack::okClicked()
     }
     // A row locked by another program is retried once in silence, then the
     // operator is asked; any other failure is told and the window stays open.
-    const bool saved = Catalogues::retrying([&] { DueBackTypes::rename(gdbMain, m_current, text); },
+    const bool saved = Store::inTransaction(gdbMain, [&] { DueBackTypes::rename(gdbMain, m_current, text); },
                                             [](const StoreError &e) {
                                                 return gintHandleUpdateError(e.number(), e.text()) == RetryStatement;
                                             });

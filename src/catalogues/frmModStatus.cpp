@@ -5,12 +5,13 @@
 #include "catalogues/CatalogueSupport.h"
 #include "catalogues/StatusControls.h"
 #include "catalogues/StatusTypeStore.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 
 frmModStatus::frmModStatus(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmModStatus>())
 {
@@ -44,7 +45,7 @@ frmModStatus::frmModStatus(QWidget *parent) : QDialog(parent), ui(std::make_uniq
     ui->txtModifyStatus->selectAll();
     // The stored button text and tool tip come after the name, so the name's
     // rewriting of them does not stand on opening.
-    guarded([this] {
+    m_support->openingRead([this] {
         StatusTypes::StatusType type;
         if (!StatusTypes::read(gdbMain, m_current, type))
             return;
@@ -129,9 +130,12 @@ void frmModStatus::okClicked()
     // and that shows here. A row gone meanwhile takes nothing, and the
     // counter still rises.
     const QString failure = QStringLiteral("An error occured while trying to modify status '") + name + QStringLiteral("'.");
-    const bool saved = Catalogues::inOneTransaction(
+    const bool saved = Store::inTransaction(
         gdbMain,
-        {[&] { StatusTypes::modifyRow(gdbMain, m_current, type); }, [&] { StatusTypes::raiseCounter(gdbMain); }},
+        [&] {
+            StatusTypes::modifyRow(gdbMain, m_current, type);
+            StatusTypes::raiseCounter(gdbMain);
+        },
         [&](const StoreError &) {
             return Msg::box(failure, Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry;
         });

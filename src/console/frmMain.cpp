@@ -6,7 +6,7 @@
 #include "console/AdminTreeView.h"
 #include "console/DialogRegistry.h"
 #include "console/Images.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmAdminOptions.h"
 #include "core/Admin1.h"
 #include "core/Global.h"
@@ -1377,10 +1377,11 @@ void frmMain::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
-        // A message box closing is no return from a window of the console.
-        const bool fromMessageBox = m_lastOtherWindowWasMessageBox;
-        m_lastOtherWindowWasMessageBox = false;
-        if (!fromMessageBox)
+        // A message box closing is no return from a window of the console,
+        // but a window that closed behind boxes of its own is.
+        const bool onlyBoxes = m_boxSinceActivation && !m_windowSinceActivation;
+        m_boxSinceActivation = m_windowSinceActivation = false;
+        if (!onlyBoxes)
             guarded([this] { Form_Activate(); });
     }
 }
@@ -1395,7 +1396,10 @@ bool frmMain::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate && watched != this && watched->isWidgetType() &&
         static_cast<QWidget *>(watched)->isWindow()) {
-        m_lastOtherWindowWasMessageBox = qobject_cast<QMessageBox *>(watched) != nullptr;
+        if (qobject_cast<QMessageBox *>(watched))
+            m_boxSinceActivation = true;
+        else
+            m_windowSinceActivation = true;
         return false;
     }
     if (event->type() == QEvent::MouseMove) {

@@ -168,5 +168,7 @@ private:
     bool m_settingsRead = false;
     bool m_loaded = false;
     bool m_popupShowing = false;
-    bool m_lastOtherWindowWasMessageBox = false;
+    // Other windows of the console activated since this one last was.
+    bool m_boxSinceActivation = false;
+    bool m_windowSinceActivation = false;
 };

@@ -1,6 +1,9 @@
 #include "core/DialogSupport.h"
 
 #include "core/Global.h"
+#include "core/Unhandled.h"
+#include "platform/Modal.h"
+#include "platform/StoreError.h"
 
 #include <QCoreApplication>
 #include <QDialog>
@@ -76,6 +79,18 @@ bool DialogSupport::eventFilter(QObject *watched, QEvent *event)
             showHint(*it);
     }
     return false;
+}
+
+bool DialogSupport::openingRead(const std::function<void()> &read)
+{
+    try {
+        read();
+        return true;
+    } catch (const StoreError &e) {
+        reportUnhandled(e);
+        Modal::refuseToShow(m_dialog);
+        return false;
+    }
 }
 
 void DialogSupport::sendHelpKey(QWidget *window)

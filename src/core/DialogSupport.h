@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <initializer_list>
 #include <utility>
 
@@ -36,6 +37,12 @@ public:
     // The text the status bar shows now.
     QString hint() const;
     void clearHint();
+
+    // Runs the window's opening read: what it shows and may later write
+    // back. A read that fails after the store's wait for passing locks is
+    // told as an unhandled failure and the window does not open. True when
+    // the read went through.
+    bool openingRead(const std::function<void()> &read);
 
     // The press of F1 in the window in front.
     static void sendHelpKey(QWidget *window);

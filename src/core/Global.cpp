@@ -111,13 +111,18 @@ DatabaseCheck subCheckDatabase(const QString &folder)
     gdbMain.close();
     for (;;) {
         try {
-            gdbMain = Database::open(file);
+            // Nothing of a file is changed before it is known to be a board.
+            gdbMain = Database::open(file, Database::Mode::ReadOnly);
             // Only a file that reads correctly can be told to be older data.
             if (!containsName(gdbMain.tableNames(), settings) ||
                 !containsName(gdbMain.fieldNames(settings), QStringLiteral("DatabaseVersion")))
                 return DatabaseCheck::Older;
             const QVariant v = gdbMain.scalar(QStringLiteral("Select DatabaseVersion from GlobalSettingsTable"));
-            return !v.isNull() && v.toString() == QLatin1String("2005") ? DatabaseCheck::Valid : DatabaseCheck::Older;
+            if (v.isNull() || v.toString() != QLatin1String("2005"))
+                return DatabaseCheck::Older;
+            gdbMain = Database::open(file);
+            gdbMain.useRollbackJournal();
+            return DatabaseCheck::Valid;
         } catch (const StoreError &e) {
             if (isPassingLock(e) && !gbolEnding) {
                 // Busy or held by another program (a repair, a user program's

@@ -1,6 +1,7 @@
 #include "groups/GroupStore.h"
 
 #include "platform/Database.h"
+#include "platform/Transaction.h"
 #include "store/Counters.h"
 
 #include <QSet>
@@ -34,28 +35,6 @@ QStringList trimmedColumn(Database &db, const QString &sql, const QVariantList &
     for (Recordset rs = db.query(sql, params); !rs.eof(); rs.moveNext())
         out << rs.value(0).toString().trimmed();
     return out;
-}
-
-// Runs one step until it goes through or `retry` declines.
-template <typename Step>
-bool attempt(const RetryAsk &retry, Step &&step)
-{
-    for (;;) {
-        try {
-            step();
-            return true;
-        } catch (const StoreError &e) {
-            if (!retry(e))
-                return false;
-        }
-    }
-}
-
-bool giveUp(Database &db)
-{
-    if (db.inTransaction())
-        db.rollback();
-    return false;
 }
 
 }  // namespace
@@ -138,52 +117,41 @@ bool setMembers(Database &db, const QString &group, const QStringList &wanted, c
     for (const QString &name : wanted)
         keep.insert(name.trimmed());
 
-    if (!attempt(retry, [&] { db.beginTrans(); }))
-        return giveUp(db);
-    Recordset rows;
-    if (!attempt(retry, [&] { rows = db.openTable(EmployeeGroupTable, QStringLiteral("GroupName = ?"), {group}); }))
-        return giveUp(db);
-
-    // Those who left go, with any manager mark they had.
-    QSet<QString> present;
-    for (; !rows.eof(); rows.moveNext()) {
-        const QString name = rows.text(QStringLiteral("EmployeeName")).trimmed();
-        present.insert(name);
-        if (!keep.contains(name) && !attempt(retry, [&] { rows.remove(); }))
-            return giveUp(db);
-    }
-    rows.close();
-
-    // Those who came are plain members.
-    for (const QString &name : wanted) {
-        if (present.contains(name.trimmed()))
-            continue;
-        if (!attempt(retry, [&] {
+    return Store::inTransaction(
+        db,
+        [&] {
+            // Those who left go, with any manager mark they had.
+            QSet<QString> present;
+            Recordset rows = db.openTable(EmployeeGroupTable, QStringLiteral("GroupName = ?"), {group});
+            for (; !rows.eof(); rows.moveNext()) {
+                const QString name = rows.text(QStringLiteral("EmployeeName")).trimmed();
+                present.insert(name);
+                if (!keep.contains(name))
+                    rows.remove();
+            }
+            rows.close();
+            // Those who came are plain members.
+            for (const QString &name : wanted) {
+                if (present.contains(name.trimmed()))
+                    continue;
                 db.execute(QStringLiteral("INSERT INTO EmployeeGroupTable (EmployeeName, GroupName) VALUES (?, ?)"),
                            {name, group});
-            }))
-            return giveUp(db);
-        present.insert(name.trimmed());
-    }
-    if (!attempt(retry, [&] { db.commitTrans(); }))
-        return giveUp(db);
-    return true;
+                present.insert(name.trimmed());
+            }
+        },
+        retry);
 }
 
 bool deleteGroup(Database &db, const QString &name, const RetryAsk &retry)
 {
-    if (!attempt(retry, [&] { db.beginTrans(); }))
-        return giveUp(db);
-    Recordset rows;
-    if (!attempt(retry, [&] { rows = db.openTable(GroupTable, QStringLiteral("GroupName = ?"), {name}); }))
-        return giveUp(db);
-    for (; !rows.eof(); rows.moveNext())
-        if (!attempt(retry, [&] { rows.remove(); }))
-            return giveUp(db);
-    rows.close();
-    if (!attempt(retry, [&] { db.commitTrans(); }))
-        return giveUp(db);
-    return true;
+    return Store::inTransaction(
+        db,
+        [&] {
+            Recordset rows = db.openTable(GroupTable, QStringLiteral("GroupName = ?"), {name});
+            for (; !rows.eof(); rows.moveNext())
+                rows.remove();
+        },
+        retry);
 }
 
 }  // namespace Groups

@@ -13,7 +13,8 @@ class StoreError;
 // parameter.
 namespace Groups {
 
-// Asked when a step fails: true runs the failed step again, false gives up.
+// Asked after a change failed and was rolled back: true runs the whole
+// change again, false gives up.
 using RetryAsk = std::function<bool(const StoreError &)>;
 
 // The board's protected group, compared blind to case.
@@ -47,15 +48,15 @@ void renameGroup(Database &db, const QString &from, const QString &to);
 // Makes the memberships of `group` those of `wanted`: rows of members not
 // wanted are deleted (a manager mark goes with its row), wanted names
 // without a row are added as plain members, other rows stay as they are.
-// Names compare exactly, blanks around them aside. One transaction; a failed
-// step is offered to `retry`, and when it declines the whole change is rolled
-// back and false returned.
+// Names compare exactly, blanks around them aside. One transaction; after a
+// failure it is rolled back and `retry` asked whether to run it again;
+// false when it declines.
 bool setMembers(Database &db, const QString &group, const QStringList &wanted, const RetryAsk &retry);
 
 // Deletes one group in a transaction of its own; its memberships, and the
 // settings rows of users whose default group it was, go by the store's
-// cascades. A failed step is offered to `retry`; when it declines, what was
-// begun is rolled back and false returned.
+// cascades. After a failure it is rolled back and `retry` asked whether to
+// run it again; false when it declines.
 bool deleteGroup(Database &db, const QString &name, const RetryAsk &retry);
 
 }  // namespace Groups

@@ -3,7 +3,7 @@
 #include "ui_frmAddGroup.h"
 
 #include "console/Images.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "groups/GroupStore.h"

@@ -3,7 +3,7 @@
 #include "ui_frmModGroup.h"
 
 #include "console/Images.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
@@ -34,7 +34,7 @@ frmModGroup::frmModGroup(QWidget *parent) : QDialog(parent), ui(std::make_unique
     m_currentGroupName = SelectedGroupName;
     ui->txtModifyGroup->setText(SelectedGroupName);
     // Managers are members like any other here.
-    guarded([this] {
+    m_support->openingRead([this] {
         m_editor->left()->setNames(Groups::nonMembers(gdbMain, m_currentGroupName));
         m_editor->right()->setNames(Groups::members(gdbMain, m_currentGroupName));
     });

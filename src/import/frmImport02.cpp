@@ -3,7 +3,7 @@
 #include "ui_frmImport02.h"
 
 #include "console/DialogRegistry.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "import/ImportFile.h"

@@ -2,7 +2,7 @@
 
 #include "ui_frmImportErrors.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "import/ImportStore.h"

@@ -50,6 +50,11 @@ QVector<QStringList> newestRows(Database &db, int limit)
     return rows;
 }
 
+bool loggingFlag(Database &db)
+{
+    return db.scalar(QStringLiteral("SELECT TransactionLogFlag FROM GlobalSettingsTable ORDER BY rowid LIMIT 1")).toInt() != 0;
+}
+
 void setLoggingFlag(Database &db, bool on)
 {
     Recordset rs = db.openTable(QStringLiteral("GlobalSettingsTable"), QString(), {}, QStringLiteral("rowid"));

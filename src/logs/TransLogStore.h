@@ -21,6 +21,7 @@ extern const QStringList Fields;
 QVector<QStringList> newestRows(Database &db, int limit = 500);
 
 // GlobalSettingsTable.TransactionLogFlag of its first row: 1 on, 0 off.
+bool loggingFlag(Database &db);
 void setLoggingFlag(Database &db, bool on);
 
 void clearLog(Database &db);

@@ -3,7 +3,7 @@
 #include "ui_frmTransLog.h"
 
 #include "console/DialogRegistry.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "logs/TransLogStore.h"
@@ -40,8 +40,13 @@ frmTransLog::frmTransLog(QWidget *parent) : QDialog(parent), ui(std::make_unique
     for (int i = 0; i < 7; ++i)
         ui->lvTransLog->header()->resizeSection(i, widths[i]);
 
-    ui->chkTransLog->setChecked(gbolTransactionLog);
-    guarded([this] { reload(); });
+    // The flag is read afresh: OK writes it back, and the copy taken at
+    // start may stand for a read that failed.
+    m_support->openingRead([this] {
+        gbolTransactionLog = TransLog::loggingFlag(gdbMain);
+        ui->chkTransLog->setChecked(gbolTransactionLog);
+        reload();
+    });
 }
 
 frmTransLog::~frmTransLog() = default;

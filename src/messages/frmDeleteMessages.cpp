@@ -3,13 +3,14 @@
 #include "ui_frmDeleteMessages.h"
 
 #include "console/AdminListView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "messages/MessageStore.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 #include "store/Counters.h"
 
 #include <QTimer>
@@ -32,35 +33,18 @@ void KillMessage(const QString &id)
 {
     Database &db = gdbMain;
     Hourglass::set(11);
-    Recordset rs;
-    const std::function<void()> steps[] = {
-        [&] { db.beginTrans(); },
-        [&] { rs = db.openTable(QStringLiteral("MessagesTable"), QStringLiteral("MessageID = ?"), {id}); },
+    const bool deleted = Store::inTransaction(
+        db,
         [&] {
+            Recordset rs = db.openTable(QStringLiteral("MessagesTable"), QStringLiteral("MessageID = ?"), {id});
             for (; !rs.eof(); rs.moveNext())
                 rs.remove();
         },
-        [&] {
-            rs.close();
-            db.commitTrans();
-        },
-    };
-    for (const auto &step : steps) {
-        for (;;) {
-            try {
-                step();
-                break;
-            } catch (const StoreError &e) {
-                if (Msg::box(failureText(e, id), Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry)
-                    continue;
-                rs.close();
-                if (db.inTransaction())
-                    db.rollback();
-                return;
-            }
-        }
-    }
-    Hourglass::set(0);
+        [&](const StoreError &e) {
+            return Msg::box(failureText(e, id), Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry;
+        });
+    if (deleted)
+        Hourglass::set(0);
 }
 
 frmDeleteMessages::frmDeleteMessages(QWidget *parent)

@@ -3,7 +3,7 @@
 #include "ui_frmMsgsPreview.h"
 
 #include "console/AdminListView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"

@@ -1,6 +1,7 @@
 #include "platform/Compact.h"
 
 #include "platform/CompactVfs.h"
+#include "platform/LockWait.h"
 #include "platform/Database.h"
 
 #include <QByteArray>
@@ -31,7 +32,6 @@
 
 namespace {
 
-constexpr int BusyTimeoutMs = 250;
 constexpr qint64 CopyChunk = qint64(1) << 20;
 constexpr qint64 MaxMapped = 0x7fff0000;  // the largest map this SQLite allows
 
@@ -747,6 +747,7 @@ namespace Compact {
 
 void CloseConnection::operator()(sqlite3 *db) const
 {
+    LockWait::forget(db);
     sqlite3_close_v2(db);
 }
 
@@ -769,7 +770,7 @@ Connection holdFile(const QString &localPath)
     if (rc != SQLITE_OK)
         failSqlite(raw, raw ? sqlite3_extended_errcode(raw) : rc, false);
     sqlite3_extended_result_codes(raw, 1);
-    sqlite3_busy_timeout(raw, BusyTimeoutMs);
+    LockWait::install(raw, localPath);
     // Taking the lock reads no more than the file's header, so a file whose
     // tables are damaged can still be held.
     exec(raw, QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"), false);
@@ -777,14 +778,9 @@ Connection holdFile(const QString &localPath)
         const int code = sqlite3_extended_errcode(raw);
         if ((code & 0xff) != SQLITE_BUSY && (code & 0xff) != SQLITE_LOCKED)
             failSqlite(raw, code, false);
-        // Busy: merely in use by others, or held to itself by one of them?
-        // Our own half-taken lock goes first, or it would keep the probe out.
-        db.reset();
-        sqlite3 *probe = nullptr;
-        sqlite3_open_v2(uri.toUtf8().constData(), &probe, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
-        const Connection probeOwner(probe);
-        const int read = probe ? sqlite3_exec(probe, "PRAGMA schema_version", nullptr, nullptr, nullptr) : SQLITE_BUSY;
-        if ((read & 0xff) == SQLITE_BUSY)
+        // Still locked after the whole wait: held to itself by another
+        // program all along, or only in use by others.
+        if (LockWait::heldThroughout(raw))
             throw StoreError(err::FileInUse,
                              QStringLiteral("Could not use '%1'; file already in use by another program.").arg(localPath));
         throw StoreError(err::CannotLock,

@@ -1,6 +1,7 @@
 #include "platform/Database.h"
 
 #include "platform/JetLike.h"
+#include "platform/LockWait.h"
 #include "platform/UncPath.h"
 
 #include <QDir>
@@ -24,17 +25,17 @@
 
 namespace {
 
-constexpr int BusyTimeoutMs = 250;
 // Connections may be opened on worker threads too.
 std::atomic<int> g_connectionSerial{0};
 
-QString uriFor(const QString &localPath, bool create)
+// `mode`: SQLite's open mode, "rw", "rwc" or "ro".
+QString uriFor(const QString &localPath, const char *mode)
 {
     QString p = QFileInfo(localPath).absoluteFilePath();
     p.replace(QLatin1Char('%'), QLatin1String("%25"));
     p.replace(QLatin1Char('?'), QLatin1String("%3f"));
     p.replace(QLatin1Char('#'), QLatin1String("%23"));
-    return QStringLiteral("file:") + p + (create ? QStringLiteral("?mode=rwc") : QStringLiteral("?mode=rw"));
+    return QStringLiteral("file:") + p + QStringLiteral("?mode=") + QLatin1String(mode);
 }
 
 // The board's `like`: SQL "x LIKE y" calls like(y, x).
@@ -61,54 +62,11 @@ bool hasBadNameCharacters(const QString &path)
     return false;
 }
 
-// SQLite's lock bytes on the file: a program that holds the file to itself
-// has the shared range locked for writing; a writer waiting for readers to
-// finish holds only the pending byte.
-constexpr off_t PendingByte = 0x40000000;
-constexpr off_t SharedFirst = PendingByte + 2;
-constexpr off_t SharedSize = 510;
-
-// One descriptor per file for asking about locks, kept for the run: closing
-// a descriptor would drop every lock this process holds on the file.
-int lockQueryDescriptor(const QString &localPath)
+// A lock that outlasted the whole wait at open: held to itself by another
+// program all along, or only in use by others.
+StoreError lockFailure(sqlite3 *handle, const QString &path)
 {
-    static std::map<std::pair<dev_t, ino_t>, int> descriptors;
-    static std::mutex guard;  // opens happen on worker threads too
-    const std::lock_guard<std::mutex> lock(guard);
-    const QByteArray name = QFile::encodeName(localPath);
-    struct stat st {};
-    if (::stat(name.constData(), &st) != 0)
-        return -1;
-    const auto key = std::make_pair(st.st_dev, st.st_ino);
-    if (const auto it = descriptors.find(key); it != descriptors.end())
-        return it->second;
-    const int fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
-    if (fd >= 0)
-        descriptors.emplace(key, fd);
-    return fd;
-}
-
-// Whether another program holds the file to itself right now, as opposed
-// to a lock that passes: readers in the way of a writer, or a writer about
-// to commit.
-bool heldToItselfByAnother(const QString &localPath)
-{
-    const int fd = lockQueryDescriptor(localPath);
-    if (fd < 0)
-        return false;
-    struct flock query {};
-    query.l_type = F_RDLCK;
-    query.l_whence = SEEK_SET;
-    query.l_start = SharedFirst;
-    query.l_len = SharedSize;
-    if (::fcntl(fd, F_GETLK, &query) != 0)
-        return false;
-    return query.l_type == F_WRLCK;
-}
-
-StoreError lockFailure(const QString &localPath, const QString &path)
-{
-    if (heldToItselfByAnother(localPath))
+    if (LockWait::heldThroughout(handle))
         return StoreError(err::FileInUse,
                           QStringLiteral("Could not use '%1'; file already in use by another program.").arg(path));
     return StoreError(err::CannotLock, QStringLiteral("Could not lock file '%1': other programs are using it.").arg(path));
@@ -309,15 +267,16 @@ QString Database::quoteIdentifier(const QString &name)
     return QLatin1Char('"') + q + QLatin1Char('"');
 }
 
-Database Database::connect(const QString &localPath, bool create)
+Database Database::connect(const QString &localPath, Access access)
 {
     Database db;
     db.m_connection = QStringLiteral("tavello-%1").arg(++g_connectionSerial);
     db.m_localPath = localPath;
     {
         QSqlDatabase q = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), db.m_connection);
-        q.setDatabaseName(uriFor(localPath, create));
-        q.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=%1").arg(BusyTimeoutMs));
+        static const char *const modes[] = {"rw", "rwc", "ro"};
+        q.setDatabaseName(uriFor(localPath, modes[int(access)]));
+        q.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI"));
         if (!q.open()) {
             const QSqlError e = q.lastError();
             db.close();
@@ -338,6 +297,7 @@ void Database::configure()
     if (!h)
         throw StoreError(3420, QStringLiteral("Object invalid or no longer set."));
     sqlite3_extended_result_codes(h, 1);
+    LockWait::install(h, m_localPath);
     sqlite3_create_function_v2(h, "like", 2, SQLITE_UTF16 | SQLITE_DETERMINISTIC, nullptr, likeFunction,
                                nullptr, nullptr, nullptr);
     execute(QStringLiteral("PRAGMA foreign_keys = ON"));
@@ -354,23 +314,15 @@ Database Database::open(const QString &path, Mode mode)
     if (fi.isDir())
         throw StoreError(err::BadFileName, QStringLiteral("'%1' is a folder, not a database file.").arg(path));
 
-    Database db = connect(local, false);
+    Database db = connect(local, mode == Mode::ReadOnly ? Access::ReadOnly : Access::ReadWrite);
     // Touch the file's header: a foreign or damaged file, or one that another
     // program holds to itself, shows here rather than at the first query.
     try {
         db.scalar(QStringLiteral("SELECT count(*) FROM sqlite_master"));
     } catch (const StoreError &e) {
+        const StoreError failure = e.number() == err::RowLocked ? lockFailure(db.handle(), path) : e;
         db.close();
-        if (e.number() == err::RowLocked)
-            throw lockFailure(local, path);
-        throw;
-    }
-    if (db.scalar(QStringLiteral("PRAGMA journal_mode")).toString().compare(QLatin1String("wal"), Qt::CaseInsensitive) == 0) {
-        // A shared folder on a file server cannot carry WAL's shared memory.
-        try {
-            db.execute(QStringLiteral("PRAGMA journal_mode = DELETE"));
-        } catch (const StoreError &) {
-        }
+        throw failure;
     }
     if (mode == Mode::Exclusive) {
         try {
@@ -378,14 +330,19 @@ Database Database::open(const QString &path, Mode mode)
             db.execute(QStringLiteral("BEGIN EXCLUSIVE"));
             db.execute(QStringLiteral("COMMIT"));
         } catch (const StoreError &e) {
+            const StoreError failure = e.number() == err::RowLocked ? lockFailure(db.handle(), path) : e;
             db.close();
-            if (e.number() != err::RowLocked)
-                throw;
-            // Busy: in use by others, or held to itself by one of them?
-            throw lockFailure(local, path);
+            throw failure;
         }
     }
     return db;
+}
+
+void Database::useRollbackJournal()
+{
+    // A shared folder on a file server cannot carry WAL's shared memory.
+    if (scalar(QStringLiteral("PRAGMA journal_mode")).toString().compare(QLatin1String("wal"), Qt::CaseInsensitive) == 0)
+        execute(QStringLiteral("PRAGMA journal_mode = DELETE"));
 }
 
 Database Database::create(const QString &path)
@@ -393,7 +350,7 @@ Database Database::create(const QString &path)
     const QString local = Store::resolvePath(path);
     if (QFileInfo::exists(local) || QFileInfo(local).isSymLink())
         throw StoreError(err::AlreadyExists, QStringLiteral("Database '%1' already exists.").arg(path));
-    Database db = connect(local, true);
+    Database db = connect(local, Access::Create);
     db.execute(QStringLiteral("PRAGMA journal_mode = DELETE"));
     return db;
 }
@@ -403,6 +360,7 @@ void Database::close() noexcept
     if (m_connection.isEmpty())
         return;
     {
+        LockWait::forget(handle());
         QSqlDatabase q = QSqlDatabase::database(m_connection, false);
         if (m_inTransaction && q.isOpen())
             q.exec(QStringLiteral("ROLLBACK"));

@@ -89,7 +89,7 @@ private:
 // UNC form; they are resolved through UncPath.
 class Database {
 public:
-    enum class Mode { Shared, Exclusive };
+    enum class Mode { Shared, Exclusive, ReadOnly };
 
     Database() = default;
     Database(Database &&other) noexcept;
@@ -100,8 +100,12 @@ public:
 
     // Opens an existing file. Shared: other programs read and write at the
     // same time. Exclusive: the file is locked against every other program
-    // until close.
+    // until close. ReadOnly: nothing of the file is ever changed, for a file
+    // not yet known to be a board. The file's journal is left as it is.
     static Database open(const QString &path, Mode mode = Mode::Shared);
+    // Switches a WAL file to a rollback journal. Only for the board's own
+    // file once it is known to be one: it rewrites the file's header.
+    void useRollbackJournal();
     // Creates a new, empty file; an existing file is never touched (3204).
     static Database create(const QString &path);
 
@@ -144,7 +148,8 @@ public:
 private:
     friend class Recordset;
     friend class Statement;
-    static Database connect(const QString &localPath, bool create);
+    enum class Access { ReadWrite, Create, ReadOnly };
+    static Database connect(const QString &localPath, Access access);
     void configure();
     QSqlQuery prepare(const QString &sql, const QVariantList &params);
     void requireOpen() const;

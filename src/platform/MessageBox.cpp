@@ -11,6 +11,7 @@ struct State {
     QQueue<int> answers;
     QList<Msg::Shown> transcript;
     QString defaultTitle;
+    std::function<void(const Msg::Shown &)> whileShown;
 };
 
 State &state()
@@ -108,6 +109,8 @@ int box(const QString &text, Buttons buttons, Icon icon, const QString &title, i
     int answer;
     if (s.scripted) {
         answer = s.answers.isEmpty() ? defaultAnswer(buttons, defaultButton) : s.answers.dequeue();
+        if (s.whileShown)
+            s.whileShown({icon, buttons, shownTitle, text, answer, defaultButton});
     } else {
         // A box over an hourglass must still be answerable with the mouse.
         const bool busy = QApplication::overrideCursor() != nullptr;
@@ -133,6 +136,7 @@ void setDefaultTitle(const QString &title) { state().defaultTitle = title; }
 QString defaultTitle() { return state().defaultTitle; }
 
 void setScripted(bool on) { state().scripted = on; }
+void setWhileShown(std::function<void(const Shown &)> probe) { state().whileShown = std::move(probe); }
 bool scripted() { return state().scripted; }
 void queueAnswers(const QList<int> &answers)
 {

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+
 // The one way any code shows a message box. Tests switch it to scripted mode:
 // no window appears, each box is recorded in a transcript and answered from
 // a queue of scripted answers (or with its first button when the queue is empty).
@@ -38,6 +40,9 @@ void setScripted(bool on);
 bool scripted();
 void queueAnswers(const QList<int> &answers);
 QList<Shown> transcript();
+// Runs while each scripted box stands, before it is answered: what a test
+// looks at while the console waits for the administrator.
+void setWhileShown(std::function<void(const Shown &)> probe);
 void clearTranscript();
 
 }  // namespace Msg

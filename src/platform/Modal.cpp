@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+#include <QVariant>
+
 namespace {
 Modal::Handler &handler()
 {
@@ -12,8 +14,19 @@ Modal::Handler &handler()
 
 namespace Modal {
 
+namespace {
+const char *const Refused = "tavelloRefusedToShow";
+}
+
+void refuseToShow(QDialog *dialog) { dialog->setProperty(Refused, true); }
+bool refusedToShow(const QDialog *dialog) { return dialog->property(Refused).toBool(); }
+
 int show(QDialog *dialog)
 {
+    if (refusedToShow(dialog)) {
+        dialog->setResult(QDialog::Rejected);
+        return QDialog::Rejected;
+    }
     if (!handler())
         return dialog->exec();
     dialog->setModal(true);

@@ -2,7 +2,7 @@
 
 #include "ui_frmAutoCheckForUpdates.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/MessageBox.h"

@@ -2,7 +2,7 @@
 
 #include "ui_frmCompany.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
@@ -35,8 +35,8 @@ frmCompany::frmCompany(QWidget *parent) : QDialog(parent), ui(std::make_unique<U
 
     Hourglass::set(11);
     reopenDatabase();
-    ui->txtCompanyInfo->setPlainText(Settings::readCompanyInfo(gdbMain));
-    Hourglass::set(0);
+    if (m_support->openingRead([this] { ui->txtCompanyInfo->setPlainText(Settings::readCompanyInfo(gdbMain)); }))
+        Hourglass::set(0);
     subCloseDatabase();
 }
 

@@ -2,7 +2,7 @@
 
 #include "ui_frmGlobalSettings.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Database.h"
@@ -19,7 +19,7 @@ frmGlobalSettings::frmGlobalSettings(QWidget *parent)
         connect(button, &QPushButton::clicked, this, [this, i] { cmdButtons_Click(i); });
     }
     connect(ui->chkAllowPresenceSensing, &QCheckBox::toggled, this, [this] { chkAllowPresenceSensing_Click(); });
-    load();
+    m_support->openingRead([this] { load(); });
 }
 
 frmGlobalSettings::~frmGlobalSettings() = default;

@@ -2,7 +2,7 @@
 
 #include "ui_frmPhotoPath.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "core/basGetFolder.h"
@@ -29,8 +29,10 @@ frmPhotoPath::frmPhotoPath(QWidget *parent) : QDialog(parent), ui(std::make_uniq
     }
     connect(ui->cmdBrowse, &QPushButton::clicked, this, [this] { cmdBrowse_Click(); });
 
-    const QString stored = Settings::readPhotoPath(gdbMain);
-    ui->lblCurrentPath->setText(stored.isEmpty() ? gstrAppPath : stored);
+    m_support->openingRead([this] {
+        const QString stored = Settings::readPhotoPath(gdbMain);
+        ui->lblCurrentPath->setText(stored.isEmpty() ? gstrAppPath : stored);
+    });
     ui->txtNewPath->clear();
     ui->txtNewPath->setFocus();
 }

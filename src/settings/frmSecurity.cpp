@@ -2,7 +2,7 @@
 
 #include "ui_frmSecurity.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Database.h"
@@ -24,16 +24,17 @@ frmSecurity::frmSecurity(QWidget *parent) : QDialog(parent), ui(std::make_unique
         QStringLiteral("in conjunction with the individual User Security settings to allow maximum ") +
         QStringLiteral("flexibility, and yet still retain a high level of integrity."));
 
-    Recordset rs = gdbMain.query(QStringLiteral("Select * from GlobalSettingsTable"));
-    if (!rs.eof()) {
-        const QVariant level = rs.value(QStringLiteral("SystemSecurityLevel"));
-        if (!level.isNull()) {
-            // A level no button stands for stops the window here (340).
-            m_options.select(level.toInt());
-            m_level = std::int16_t(level.toInt());
+    m_support->openingRead([this] {
+        Recordset rs = gdbMain.query(QStringLiteral("Select * from GlobalSettingsTable"));
+        if (!rs.eof()) {
+            const QVariant level = rs.value(QStringLiteral("SystemSecurityLevel"));
+            if (!level.isNull()) {
+                // A level no button stands for stops the window here (340).
+                m_options.select(level.toInt());
+                m_level = std::int16_t(level.toInt());
+            }
         }
-    }
-    rs.close();
+    });
     showMeaning(m_level ? *m_level : -1);
 }
 

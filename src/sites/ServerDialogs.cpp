@@ -4,6 +4,7 @@
 #include "core/Global.h"
 #include "platform/FileDialogs.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 #include "platform/UncPath.h"
 #include "sites/SiteStore.h"
 
@@ -65,9 +66,9 @@ QString browseForSite(QWidget *parent, const QString &filter, const QString &ini
     return folder;
 }
 
-bool writeWithRetry(const QVector<std::function<void()>> &steps)
+bool writeWithRetry(const std::function<void()> &change)
 {
-    return runSteps(gdbMain, steps, [](const StoreError &e) {
+    return Store::inTransaction(gdbMain, change, [](const StoreError &e) {
         return gintHandleUpdateError(e.number(), e.text()) == RetryStatement;
     });
 }

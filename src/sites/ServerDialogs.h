@@ -27,9 +27,9 @@ bool remoteDatabaseOpens(const QString &path);
 QString browseForSite(QWidget *parent, const QString &filter, const QString &initialFolder,
                       const std::function<void(const QString &folder)> &notUnc);
 
-// Runs the statements of one write on gdbMain; a failure goes to
-// gintHandleUpdateError, whose Retry runs the statement again. Giving up
-// rolls back. True when the write is done.
-bool writeWithRetry(const QVector<std::function<void()>> &steps);
+// Runs one write on gdbMain as a transaction. A failure is rolled back and
+// goes to gintHandleUpdateError, whose Retry runs the write again. True when
+// the write is done.
+bool writeWithRetry(const std::function<void()> &change);
 
 }  // namespace Sites

@@ -65,69 +65,29 @@ bool otherServerListed(Database &db, const QString &newPath, const QString &oldP
     return found;
 }
 
-bool runSteps(Database &db, const QVector<std::function<void()>> &steps,
-              const std::function<bool(const StoreError &)> &onFailure)
+std::function<void()> addServerChange(Database &db, const QString &path, const QString &description)
 {
-    for (const auto &step : steps) {
-        for (;;) {
-            try {
-                step();
-                break;
-            } catch (const StoreError &e) {
-                if (onFailure(e))
-                    continue;
-                if (db.inTransaction())
-                    db.rollback();
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
-QVector<std::function<void()>> addServerSteps(Database &db, const QString &path, const QString &description)
-{
-    return {
-        [&db] { db.beginTrans(); },
-        [&db, path, description] {
-            db.execute(QStringLiteral("INSERT INTO ServersTable (UNCPath, Description) VALUES (?, ?)"),
-                       {path, textValue(description)});
-        },
-        [&db] { db.commitTrans(); },
+    return [&db, path, description] {
+        db.execute(QStringLiteral("INSERT INTO ServersTable (UNCPath, Description) VALUES (?, ?)"),
+                   {path, textValue(description)});
     };
 }
 
-QVector<std::function<void()>> modifyServerSteps(Database &db, const QString &oldPath, const QString &newPath,
-                                                 const QString &description)
+std::function<void()> modifyServerChange(Database &db, const QString &oldPath, const QString &newPath,
+                                         const QString &description)
 {
-    // The entry is found before the transaction and edited inside it.
-    auto entry = std::make_shared<Recordset>();
-    return {
-        [&db, entry, oldPath] {
-            *entry = db.openTable(QStringLiteral("ServersTable"), QStringLiteral("UNCPath = ?"), {oldPath});
-        },
-        [&db] { db.beginTrans(); },
-        [entry, newPath, description] {
-            entry->edit({{QStringLiteral("UNCPath"), newPath}, {QStringLiteral("Description"), textValue(description)}});
-        },
-        [&db, entry] {
-            db.commitTrans();
-            entry->close();
-        },
+    return [&db, oldPath, newPath, description] {
+        Recordset entry = db.openTable(QStringLiteral("ServersTable"), QStringLiteral("UNCPath = ?"), {oldPath});
+        entry.edit({{QStringLiteral("UNCPath"), newPath}, {QStringLiteral("Description"), textValue(description)}});
     };
 }
 
-QVector<std::function<void()>> deleteServerSteps(Database &db, const QString &path)
+std::function<void()> deleteServerChange(Database &db, const QString &path)
 {
-    return {
-        [&db] { db.beginTrans(); },
-        [&db, path] {
-            Recordset rs = db.openTable(QStringLiteral("ServersTable"), QStringLiteral("UNCPath = ?"), {path});
-            if (!rs.eof())
-                rs.remove();
-            rs.close();
-        },
-        [&db] { db.commitTrans(); },
+    return [&db, path] {
+        Recordset rs = db.openTable(QStringLiteral("ServersTable"), QStringLiteral("UNCPath = ?"), {path});
+        if (!rs.eof())
+            rs.remove();
     };
 }
 

@@ -40,19 +40,13 @@ bool serverListed(Database &db, const QString &path);
 // An entry with the new path that is not the entry of the old path.
 bool otherServerListed(Database &db, const QString &newPath, const QString &oldPath);
 
-// Runs `steps` in order. A step that fails goes to `onFailure`, which answers
-// true to run that step again, false to give up; giving up rolls back an open
-// transaction of `db`. True when every step ran.
-bool runSteps(Database &db, const QVector<std::function<void()>> &steps,
-              const std::function<bool(const StoreError &)> &onFailure);
-
-// The statements of the three windows' writes, each transaction's steps in
-// order, for runSteps.
-QVector<std::function<void()>> addServerSteps(Database &db, const QString &path, const QString &description);
-QVector<std::function<void()>> modifyServerSteps(Database &db, const QString &oldPath, const QString &newPath,
-                                                 const QString &description);
+// The three windows' writes, each the body of one transaction, for
+// Store::inTransaction.
+std::function<void()> addServerChange(Database &db, const QString &path, const QString &description);
+std::function<void()> modifyServerChange(Database &db, const QString &oldPath, const QString &newPath,
+                                         const QString &description);
 // Deletes the first row of the path only, even where two exist.
-QVector<std::function<void()>> deleteServerSteps(Database &db, const QString &path);
+std::function<void()> deleteServerChange(Database &db, const QString &path);
 
 // --- Auto Sync, one site at a time
 

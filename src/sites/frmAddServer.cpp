@@ -2,7 +2,7 @@
 
 #include "ui_frmAddServer.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "core/frmDataPath.h"
@@ -92,7 +92,7 @@ void frmAddServer::okClicked()
                  Msg::Buttons::OK, Msg::Icon::Exclamation, QStringLiteral("TAVELLO - Add Server"));
         return;
     }
-    if (!Sites::writeWithRetry(Sites::addServerSteps(gdbMain, path, ui->txtDescription->text().trimmed())))
+    if (!Sites::writeWithRetry(Sites::addServerChange(gdbMain, path, ui->txtDescription->text().trimmed())))
         return;
     accept();
 }

@@ -3,7 +3,7 @@
 #include "ui_frmAutoSync.h"
 
 #include "console/AdminTreeView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"

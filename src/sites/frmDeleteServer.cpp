@@ -3,12 +3,13 @@
 #include "ui_frmDeleteServer.h"
 
 #include "console/AdminListView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 #include "sites/SiteStore.h"
 
 #include <QTimer>
@@ -82,7 +83,7 @@ void frmDeleteServer::okClicked()
         if (path.isEmpty())
             continue;
         // Cancel gives up this entry only; the batch goes on.
-        Sites::runSteps(gdbMain, Sites::deleteServerSteps(gdbMain, path), [&path](const StoreError &) {
+        Store::inTransaction(gdbMain, Sites::deleteServerChange(gdbMain, path), [&path](const StoreError &) {
             return Msg::box(QStringLiteral("An error occured while trying to delete the Server ''") + path +
                                 QStringLiteral("''."),
                             Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry;

@@ -2,7 +2,7 @@
 
 #include "ui_frmModServer.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
@@ -100,7 +100,7 @@ void frmModServer::okClicked()
         return;
     }
     if (!Sites::writeWithRetry(
-            Sites::modifyServerSteps(gdbMain, m_oldPath, path, ui->txtNewDescription->text().trimmed())))
+            Sites::modifyServerChange(gdbMain, m_oldPath, path, ui->txtNewDescription->text().trimmed())))
         return;
     accept();
 }

@@ -3,12 +3,13 @@
 #include "ui_frmDeleteUser.h"
 
 #include "console/AdminListView.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
+#include "platform/Transaction.h"
 #include "store/Counters.h"
 
 #include <functional>
@@ -37,32 +38,22 @@ bool KillUser(const QString &name)
 {
     Database &db = gdbMain;
     Hourglass::set(11);
-    const std::function<void()> steps[] = {
-        [&] { db.beginTrans(); },
-        [&] { deleteRows(db, QStringLiteral("EmployeeTable"), QStringLiteral("Name = ?"), name); },
-        // The cascades have done this by now; it stays for a file whose
-        // relations were lost.
-        [&] { deleteRows(db, QStringLiteral("EmployeeGroupTable"), QStringLiteral("EmployeeName = ?"), name); },
-        [&] { db.commitTrans(); },
-    };
-    for (const auto &step : steps) {
-        for (;;) {
-            try {
-                step();
-                break;
-            } catch (const StoreError &e) {
-                if (Msg::box(failureText(e, name), Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry)
-                    continue;
-                // Nothing of this user may stay half deleted. The pointer is
-                // left as it is.
-                if (db.inTransaction())
-                    db.rollback();
-                return false;
-            }
-        }
-    }
-    Hourglass::set(0);
-    return true;
+    // Nothing of this user may stay half deleted; after Cancel the pointer
+    // is left as it is.
+    const bool deleted = Store::inTransaction(
+        db,
+        [&] {
+            deleteRows(db, QStringLiteral("EmployeeTable"), QStringLiteral("Name = ?"), name);
+            // The cascades have done this by now; it stays for a file whose
+            // relations were lost.
+            deleteRows(db, QStringLiteral("EmployeeGroupTable"), QStringLiteral("EmployeeName = ?"), name);
+        },
+        [&](const StoreError &e) {
+            return Msg::box(failureText(e, name), Msg::Buttons::RetryCancel, Msg::Icon::Exclamation) == Msg::Retry;
+        });
+    if (deleted)
+        Hourglass::set(0);
+    return deleted;
 }
 
 frmDeleteUser::frmDeleteUser(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::frmDeleteUser>())

@@ -3,7 +3,7 @@
 #include "ui_frmModUser.h"
 
 #include "console/Images.h"
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmMain.h"
 #include "core/Admin1.h"
 #include "core/DialogSupport.h"
@@ -115,7 +115,7 @@ frmModUser::frmModUser(QWidget *parent) : QDialog(parent), ui(std::make_unique<U
     connect(ui->cmdButtons_2, &QPushButton::clicked, this, [this] { cmdButtons_Click(2); });
     connect(ui->cmdButtons_3, &QPushButton::clicked, this, [this] { cmdButtons_Click(3); });
 
-    Form_Load();
+    m_support->openingRead([this] { Form_Load(); });
 }
 
 frmModUser::~frmModUser() = default;

@@ -2,7 +2,7 @@
 
 #include "ui_frmNewUser.h"
 
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 #include "console/frmAdminOptions.h"
 #include "core/DialogSupport.h"
 #include "core/Global.h"
@@ -45,7 +45,7 @@ frmNewUser::frmNewUser(QWidget *parent) : QDialog(parent), ui(std::make_unique<U
     // as it always has.
     addFontSizes(ui->comboFontSizeDisplay);
     ui->TabStripNewUser->setCurrentIndex(0);
-    subLoadNUDdata();
+    m_support->openingRead([this] { subLoadNUDdata(); });
 }
 
 frmNewUser::~frmNewUser() = default;

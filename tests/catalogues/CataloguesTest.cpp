@@ -3,38 +3,15 @@
 #include "console/AdminListView.h"
 #include "console/frmMain.h"
 #include "platform/Modal.h"
+#include "support/HeldDuring.h"
 
 #include <QDialog>
 #include <QListWidget>
 #include <QPushButton>
 
-#include <optional>
-#include <sqlite3.h>
 
 namespace CataloguesTest {
 
-namespace {
-
-// The statement hook of the running whileHeld; null when none runs.
-std::function<void(sqlite3 *, const QString &)> *g_hook = nullptr;
-
-int trace(unsigned, void *, void *stmt, void *text)
-{
-    const QString sql = QString::fromUtf8(static_cast<const char *>(text));
-    if (g_hook && !sql.startsWith("--"))  // statements run by triggers arrive as comments
-        (*g_hook)(sqlite3_db_handle(static_cast<sqlite3_stmt *>(stmt)), sql);
-    return 0;
-}
-
-// Every connection opened in this process gets the hook: the console may
-// open its connection afresh in the middle of an action.
-int traceNewConnection(sqlite3 *db, const char **, const struct sqlite3_api_routines *)
-{
-    sqlite3_trace_v2(db, SQLITE_TRACE_STMT, trace, nullptr);
-    return SQLITE_OK;
-}
-
-}  // namespace
 
 QStringList shown()
 {
@@ -57,34 +34,7 @@ QString schema(Database &db)
 void heldDuring(const ConsoleTest::Console &c, const QString &hold, const std::function<void()> &action, int nth,
                const QString &on)
 {
-    std::optional<TestSupport::ExternalHolder> holder;
-    Database reading = c.other();
-    Recordset openRead;
-    int begins = 0, commits = 0;
-    std::function<void(sqlite3 *, const QString &)> hook = [&](sqlite3 *db, const QString &sql) {
-        if (db != gdbMain.handle())
-            return;
-        begins += sql.startsWith(on);
-        commits += sql.startsWith("COMMIT");
-        if (sql.startsWith(on) && begins == nth) {
-            if (hold == "lock" || hold == "reader")
-                holder.emplace(c.databaseFile(), hold == "lock" ? TestSupport::ExternalHolder::Hold::Write
-                                                                : TestSupport::ExternalHolder::Hold::Read);
-            else if (hold == "open read")
-                openRead = reading.query("SELECT * FROM EmployeeTable");
-        } else if (begins > nth || commits > nth) {
-            holder.reset();
-            openRead.close();
-        }
-    };
-    sqlite3_auto_extension(reinterpret_cast<void (*)()>(traceNewConnection));
-    sqlite3_trace_v2(gdbMain.handle(), SQLITE_TRACE_STMT, trace, nullptr);
-    g_hook = &hook;
-    action();
-    g_hook = nullptr;
-    sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(traceNewConnection));
-    if (gdbMain.handle())
-        sqlite3_trace_v2(gdbMain.handle(), 0, nullptr, nullptr);
+    TestSupport::heldDuring(c.databaseFile(), hold, action, nth, on);
 }
 
 bool dispatch(ConsoleTest::Console &c, const QString &node, const QStringList &selected, const QString &verb,

@@ -3,6 +3,7 @@
 // writes refused for a lock, are proven with their messages by the start,
 // repair, user and console tests.
 #include "../store/StoreFixtures.h"
+#include "platform/LockWait.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -58,15 +59,17 @@ private slots:
         QCOMPARE(other.run("SELECT count(*) FROM T;"), QString("3"));
     }
 
-    // What another program's lock means at an open: a program holding the
-    // file to itself (3045), or one whose lock passes, readers in the way of
-    // a writer about to commit (3050).
+    // What another program's lock means at an open once the wait is over: a
+    // program holding the file to itself all along (3045), or one whose lock
+    // passes, readers in the way of a writer about to commit (3050). A hold
+    // that ends within the wait is no failure at all.
     void locksAtOpen_data()
     {
         QTest::addColumn<QString>("other");
         QTest::addColumn<int>("shared");     // failure of a shared open, 0: opened
         QTest::addColumn<int>("exclusive");  // of an exclusive one
         QTest::newRow("holds it to itself") << "exclusive" << 3045 << 3045;
+        QTest::newRow("holds it for a moment") << "moment" << 0 << 0;
         QTest::newRow("writer waiting for a reader") << "pending" << 3050 << 3050;
         QTest::newRow("write not yet committed") << "write" << 0 << 3050;
         QTest::newRow("reading") << "read" << 0 << 3050;
@@ -77,11 +80,14 @@ private slots:
         QFETCH(int, shared);
         QFETCH(int, exclusive);
         TestSupport::Site site;
+        Store::setLockWait(1500);
         const QString local = site.local("tavello.mdb");
         makeSmallDatabase(local);
         std::optional<ExternalHolder> reader, writer;
-        if (other == "exclusive") {
+        if (other == "exclusive" || other == "moment") {
             QVERIFY(writer.emplace(local, ExternalHolder::Hold::Exclusive).started());
+            if (other == "moment")
+                writer->send(".shell sleep 0.4\nCOMMIT;");
         } else if (other == "pending") {
             QVERIFY(reader.emplace(local, ExternalHolder::Hold::Read).started());
             QVERIFY(writer.emplace(local, ExternalHolder::Hold::Write, "INSERT INTO T (Name) VALUES ('late');").started());

@@ -6,6 +6,7 @@
 #include "core/Global.h"
 #include "platform/Compact.h"
 #include "platform/Hourglass.h"
+#include "platform/LockWait.h"
 #include "platform/MessageBox.h"
 #include "platform/Modal.h"
 #include "store/Repair.h"
@@ -218,6 +219,7 @@ private slots:
         QFETCH(bool, backedUp);
         Site site;
         site.useShareAsDataPath();
+        Store::setLockWait(300);  // each of the three tries waits this long for the file
         const QString live = site.local(Live);
         QVERIFY(content.isEmpty() || writeBytes(live, content));
         const QString backup = generation(DialogPrefix, 0);

@@ -4,6 +4,7 @@
 
 #include "core/Global.h"
 #include "platform/Hourglass.h"
+#include "platform/LockWait.h"
 #include "platform/MessageBox.h"
 #include "store/CreateDB.h"
 #include "store/Schema.h"
@@ -113,7 +114,9 @@ private slots:
             const QString held = dump(db);
             TestSupport::ExternalHolder reader(site.local("tavello.mdb"), TestSupport::ExternalHolder::Hold::Read);
             QVERIFY(reader.started());
+            Store::setLockWait(200);  // each refused change waits this long
             subUpdateDatabaseStructure();
+            Store::setLockWait(Store::DefaultLockWaitMs);
             QCOMPARE(dump(db), held);
         }
         subUpdateDatabaseStructure();  // as at start, on the console's handle

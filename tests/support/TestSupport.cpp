@@ -4,6 +4,7 @@
 #include "platform/FileDialogs.h"
 #include "platform/Hourglass.h"
 #include "platform/IniFile.h"
+#include "platform/LockWait.h"
 #include "platform/MessageBox.h"
 #include "platform/Modal.h"
 #include "platform/UncPath.h"
@@ -67,6 +68,8 @@ Site::~Site()
 {
     resetGlobals();
     Modal::setHandler({});
+    Msg::setWhileShown({});
+    Store::setLockWait(Store::DefaultLockWaitMs);
     Msg::clearTranscript();
     FileDialogs::clearTranscript();
     UncPath::setProgramFolder(QString());

@@ -1,5 +1,7 @@
 #include "UsersTest.h"
 
+#include "support/HeldDuring.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
@@ -74,28 +76,7 @@ QMap<QString, QString> record(Database &db, const QString &sql, const QVariantLi
 
 void whileHeld(const ConsoleTest::Console &c, const QString &hold, const std::function<void()> &action, int nth)
 {
-    std::optional<TestSupport::ExternalHolder> holder;
-    int begins = 0, commits = 0;
-    // Called as each statement starts, before it runs: the moment another
-    // program may act between two steps.
-    std::function<void(const QString &)> onStatement = [&](const QString &sql) {
-        begins += sql.startsWith("BEGIN");
-        commits += sql.startsWith("COMMIT");
-        if ((hold == "lock" || hold == "reader") && sql.startsWith("BEGIN") && begins == nth)
-            holder.emplace(c.databaseFile(), hold == "lock" ? TestSupport::ExternalHolder::Hold::Write
-                                                            : TestSupport::ExternalHolder::Hold::Read);
-        else if (begins > nth || commits > nth)
-            holder.reset();
-    };
-    auto trace = [](unsigned, void *hook, void *, void *text) {
-        const QString sql = QString::fromUtf8(static_cast<const char *>(text));
-        if (!sql.startsWith("--"))  // statements run by triggers arrive as comments
-            (*static_cast<decltype(onStatement) *>(hook))(sql);
-        return 0;
-    };
-    sqlite3_trace_v2(gdbMain.handle(), SQLITE_TRACE_STMT, trace, &onStatement);
-    action();
-    sqlite3_trace_v2(gdbMain.handle(), 0, nullptr, nullptr);
+    TestSupport::heldDuring(c.databaseFile(), hold, action, nth);
 }
 
 }  // namespace UsersTest

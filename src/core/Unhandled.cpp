@@ -1,4 +1,4 @@
-#include "console/Unhandled.h"
+#include "core/Unhandled.h"
 
 #include "platform/Hourglass.h"
 #include "platform/MessageBox.h"
