@@ -1,9 +1,10 @@
 #include "platform/LockWait.h"
 
+#include "platform/Hourglass.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QCursor>
 #include <QGuiApplication>
 #include <QThread>
 #include <QTimer>
@@ -71,19 +72,30 @@ bool onGuiThread()
     return app && qobject_cast<const QGuiApplication *>(app) && QThread::currentThread() == app->thread();
 }
 
-// The hourglass of a wait, on top of whatever pointer the window shows, and
-// taken off once the console is back in its event loop.
+// The hourglass of a wait. One the window had up already stays; one the
+// wait put up goes once the console is back in its event loop and no wait
+// has gone on for a moment (the repaints of a wait run that loop too).
+QElapsedTimer g_lastWait;
+bool g_ourHourglass = false;
+
+void takeHourglassWhenDone()
+{
+    if (g_lastWait.elapsed() < 30) {
+        QTimer::singleShot(50, qApp, takeHourglassWhenDone);
+        return;
+    }
+    g_ourHourglass = false;
+    Hourglass::set(0);
+}
+
 void showWaitCursor()
 {
-    static bool shown = false;
-    if (shown)
+    g_lastWait.start();
+    if (g_ourHourglass || Hourglass::shown())
         return;
-    shown = true;
-    QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
-    QTimer::singleShot(0, qApp, [] {
-        shown = false;
-        QGuiApplication::restoreOverrideCursor();
-    });
+    g_ourHourglass = true;
+    Hourglass::set(11);
+    QTimer::singleShot(0, qApp, takeHourglassWhenDone);
 }
 
 // Keeps the windows painting. User input waits: a click must not start a

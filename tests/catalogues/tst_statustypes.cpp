@@ -268,7 +268,7 @@ private slots:
                                                    << QStringList{clash, clash} << lunch << 0;
         QTest::newRow("deleted meanwhile: nothing written") << "Lunch" << "Dinner" << "=" << "delete" << QList<int>{}
                                                             << QStringList{} << "" << 1;
-        QTest::newRow("locked at OK: Retry") << "Lunch" << "Dinner" << "=" << "lock" << QList<int>{Msg::Retry}
+        QTest::newRow("read at the commit: Retry") << "Lunch" << "Dinner" << "=" << "reader" << QList<int>{Msg::Retry}
                                              << QStringList{Msg::defaultTitle() + "|An error occured while trying to "
                                                                                   "modify status 'Dinner'."}
                                              << "Dinner|5|1|Dinner|Set status to Dinner|1" << 1;

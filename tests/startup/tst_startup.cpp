@@ -9,6 +9,7 @@
 #include "platform/MessageBox.h"
 #include "platform/Modal.h"
 #include "store/CreateDB.h"
+#include "support/HeldDuring.h"
 #include "support/TestSupport.h"
 
 #include <QDialog>
@@ -254,6 +255,23 @@ private slots:
         QCOMPARE(w.userCountText(), QString(" 4 "));
         w.close();
         QCOMPARE(rowCount(file, "EmployeeTable"), 4);
+    }
+
+    // A user program holds the file for a moment just as the start reads
+    // the global settings: the read waits for it; no box, logging stays on.
+    void momentaryHoldAtStart()
+    {
+        TestSupport::Site site;
+        QVERIFY(IniFile::writeKey(site.iniFile(), "DataPath", "DataPath", Share));
+        const QString file = site.local("tavello.mdb");
+        QCOMPARE(CreateDatabase(file), 0);
+        frmMain w;
+        bool loaded = false;
+        TestSupport::heldDuring(file, "moment", [&] { loaded = w.load(); }, 1, "SELECT * FROM GlobalSettingsTable");
+        QVERIFY(loaded);
+        QCOMPARE(shown(), QStringList());
+        QVERIFY(gbolTransactionLog);
+        w.close();
     }
 
     // Only a file that opened and read correctly and is no 2005 database is

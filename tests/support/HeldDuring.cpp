@@ -49,26 +49,32 @@ void heldDuring(const QString &localDbPath, const QString &hold, const std::func
         begins += sql.startsWith(on);
         commits += sql.startsWith(QLatin1String("COMMIT"));
         if (sql.startsWith(on) && begins == nth) {
-            if (hold == QLatin1String("lock") || hold == QLatin1String("reader"))
+            if (hold == QLatin1String("lock") || hold == QLatin1String("reader")) {
                 holder.emplace(localDbPath, hold == QLatin1String("lock") ? ExternalHolder::Hold::Write
                                                                            : ExternalHolder::Hold::Read);
-            else if (hold == QLatin1String("open read"))
+            } else if (hold == QLatin1String("moment")) {
+                holder.emplace(localDbPath, ExternalHolder::Hold::Exclusive);
+                holder->send(QStringLiteral(".shell sleep 1\nCOMMIT;"));
+            } else if (hold == QLatin1String("open read")) {
                 openRead = reading.query(QStringLiteral("SELECT * FROM EmployeeTable"));
+            }
         } else if (begins > nth || commits > nth) {
             holder.reset();
             openRead.close();
         }
     };
-    // The hold outlasts the store's wait for passing locks; a short one keeps the test quick.
+    // The other holds outlast the store's wait for passing locks; a short one keeps the test quick.
     const int wait = Store::lockWait();
-    Store::setLockWait(300);
+    if (hold != QLatin1String("moment"))
+        Store::setLockWait(300);
     QStringList lockedOut;
     Msg::setWhileShown([&](const Msg::Shown &box) {
         if (!BusyBoard::readPasses(localDbPath, 1000))
             lockedOut << box.text;
     });
     sqlite3_auto_extension(reinterpret_cast<void (*)()>(traceNewConnection));
-    sqlite3_trace_v2(gdbMain.handle(), SQLITE_TRACE_STMT, trace, nullptr);
+    if (gdbMain.handle())
+        sqlite3_trace_v2(gdbMain.handle(), SQLITE_TRACE_STMT, trace, nullptr);
     g_hook = &hook;
     action();
     g_hook = nullptr;

@@ -80,13 +80,15 @@ bool exec(sqlite3 *db, const char *sql, const std::string &a = {}, const std::st
 }
 
 // The reads a user program makes to refresh its board, in one snapshot.
-bool readBoard(sqlite3 *db)
+// Empty when they went through, else the store's text.
+std::string readBoard(sqlite3 *db)
 {
-    const bool ok = exec(db, "BEGIN") && exec(db, "SELECT Name, Status, DueBack, Comments FROM EmployeeTable") &&
-                    exec(db, "SELECT * FROM StatusCounterTable") && exec(db, "COMMIT");
-    if (!ok)
-        exec(db, "ROLLBACK");
-    return ok;
+    if (exec(db, "BEGIN") && exec(db, "SELECT Name, Status, DueBack, Comments FROM EmployeeTable") &&
+        exec(db, "SELECT * FROM StatusCounterTable") && exec(db, "COMMIT"))
+        return {};
+    const std::string failure = sqlite3_errmsg(db);
+    exec(db, "ROLLBACK");
+    return failure;
 }
 
 int writer(const char *path, const std::string &name, unsigned seed, int patience)
@@ -96,8 +98,9 @@ int writer(const char *path, const std::string &name, unsigned seed, int patienc
     const char *statuses[] = {"In", "Out", "Busy"};
     for (long seq = 1; !told(); ++seq) {
         pause(random, 10, 50);
-        if (!readBoard(db))
-            std::printf("L %lld %s\n", sinceStart(), sqlite3_errmsg(db));
+        const long long before = sinceStart();
+        if (const std::string failure = readBoard(db); !failure.empty())
+            std::printf("L %lld %s after %lld ms\n", before, failure.c_str(), sinceStart() - before);
         const std::string status = statuses[seq % 3];
         const std::string mark = "busy " + name + " " + std::to_string(seq);
         const bool ok = exec(db, "BEGIN IMMEDIATE") &&
@@ -125,10 +128,10 @@ int reader(const char *path, unsigned seed, int patience)
     while (!told()) {
         pause(random, 10, 30);
         const long long before = sinceStart();
-        if (readBoard(db))
+        if (const std::string failure = readBoard(db); failure.empty())
             ++reads;
         else
-            std::printf("L %lld %s\n", before, sqlite3_errmsg(db));
+            std::printf("L %lld %s after %lld ms\n", before, failure.c_str(), sinceStart() - before);
         std::fflush(stdout);
     }
     std::printf("R %ld\n", reads);
@@ -176,7 +179,7 @@ int main(int argc, char **argv)
                       std::atoi(argv[7]));
     if (role == "read-once") {
         sqlite3 *db = openBoard(path, std::atoi(argv[3]));
-        const bool ok = readBoard(db);
+        const bool ok = readBoard(db).empty();
         sqlite3_close(db);
         return ok ? 0 : 1;
     }
