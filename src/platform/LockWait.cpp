@@ -77,6 +77,7 @@ bool onGuiThread()
 // has gone on for a moment (the repaints of a wait run that loop too).
 QElapsedTimer g_lastWait;
 bool g_ourHourglass = false;
+bool g_takeScheduled = false;
 
 void takeHourglassWhenDone()
 {
@@ -84,18 +85,23 @@ void takeHourglassWhenDone()
         QTimer::singleShot(50, qApp, takeHourglassWhenDone);
         return;
     }
+    g_takeScheduled = false;
+    if (g_ourHourglass)
+        Hourglass::set(0);
     g_ourHourglass = false;
-    Hourglass::set(0);
 }
 
 void showWaitCursor()
 {
     g_lastWait.start();
-    if (g_ourHourglass || Hourglass::shown())
+    if (Hourglass::shown())
         return;
     g_ourHourglass = true;
     Hourglass::set(11);
-    QTimer::singleShot(0, qApp, takeHourglassWhenDone);
+    if (!g_takeScheduled) {
+        g_takeScheduled = true;
+        QTimer::singleShot(0, qApp, takeHourglassWhenDone);
+    }
 }
 
 // Keeps the windows painting. User input waits: a click must not start a
